@@ -1,0 +1,117 @@
+#pragma once
+
+#include "audioframebuffer.h"
+#include "avhandles.h"
+#include "packetqueue.h"
+#include "playbackclock.h"
+#include "videoframecache.h"
+
+#include <QString>
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+
+struct AVStream;
+
+/// What the first picture after a seek says of where the seek went.
+enum class Landing {
+    None, // no seek is waiting for an answer
+    Pending, // the decoder has not met a picture yet
+    Landed, // it starts at or before the target
+    Late, // it starts after the target, so the picture asked for would never be decoded
+    Ended // the file ended without a picture
+};
+
+/// The opened media file: format context, chosen streams and their properties, packet queues, frame buffers, the
+/// request fields by which the threads talk to each other, and the playback clock. Made and deleted by the playback
+/// manager, shared by pointer with the demuxer, the decoders and the sound callback.
+///
+/// Three kinds of fields: atomics (who writes and reads them stands beside each), members that lock themselves, and
+/// plain properties, which the demuxer writes while it opens the file and which are valid once `opened` is set.
+class MediaSource {
+public:
+    static constexpr int scratchSamples = 100000; // int16 values
+    static constexpr double noPlayLimit = 999999.0; // seconds
+
+    explicit MediaSource(QString filename);
+    ~MediaSource();
+    MediaSource(const MediaSource&) = delete;
+    MediaSource& operator=(const MediaSource&) = delete;
+
+    // Any thread: the clock.
+    void resetClock(double seconds) { clock.reset(seconds); }
+    int64_t updateClock() { return clock.update(); }
+    /// Seconds. With `update`, and while `playing`, the clock is advanced first.
+    double clockTime(bool update);
+
+    // Any thread: what the demuxer found; neutral values until `opened`.
+    /// Seconds, finite, never negative; 0.0 when unknown.
+    [[nodiscard]] double duration() const;
+    /// Seconds that the container gives, as the end of the last picture.
+    [[nodiscard]] double containerDuration() const;
+    [[nodiscard]] double rate() const; // frames per second, -1.0 until opened
+    [[nodiscard]] int videoWidth() const; // pixels, -1 until opened
+    [[nodiscard]] int videoHeight() const;
+    [[nodiscard]] double cachedStartTime() const { return videoFrames.startTime(); }
+    [[nodiscard]] double cachedEndTime() const { return videoFrames.endTime(); }
+
+    /// Any thread. Seconds up to which sound blocks may be dropped: the start of the cached pictures, or the clock
+    /// where there is no video.
+    double soundReferenceTime();
+
+    // The file. Demuxer's thread, until `opened`; then read only, until close.
+    // Contexts are declared before the queues and buffers, which are destroyed first.
+    const QString filename;
+    AvPtr<AVFormatContext> formatContext;
+    AvPtr<AVCodecContext> audioCodec; // used by the audio thread alone once open
+    AvPtr<AVCodecContext> videoCodec; // used by the video thread alone once open
+    AVStream* audioStream = nullptr;
+    AVStream* videoStream = nullptr;
+    int audioStreamCount = 0;
+    int audioStreamIndex = -1;
+    int videoStreamCount = 0;
+    int videoStreamIndex = -1;
+    int channels = 0;
+    int planar = 0;
+    int bytesPerSample = 0;
+    int sampleRate = 0; // Hz
+    int width = -1; // pixels
+    int height = -1; // pixels
+    double frameRate = -1.0; // frames per second; 25 where the file names none
+    double videoDelay = 0.0; // seconds; 0, as pictures carry the time of the packet that released them
+    double scannedDuration = 0.0; // seconds, from the packets where the container names no duration
+    std::atomic<bool> opened { false }; // demuxer sets (release) when the properties above stand
+
+    // Requests. Written by the GUI thread but where a comment says otherwise.
+    std::atomic<bool> playing { false }; // the clock advances only while true
+    std::atomic<bool> seekRequested { false }; // release: publishes seekTime; cleared by the demuxer
+    std::atomic<double> seekTime { 0.0 }; // seconds
+    std::atomic<double> playUntil { noPlayLimit }; // seconds; playing pauses by itself there
+    std::atomic<bool> abortRequested { false }; // every engine loop ends
+    std::atomic<double> volume { 1.0 }; // output gain
+    std::atomic<bool> audioResyncRequested { false }; // cleared by the sound callback
+    std::atomic<bool> scrubRequested { false }; // release; cleared by the sound callback at the slice's end
+    std::atomic<bool> scrubForward { true };
+    std::atomic<int32_t> scrubSampleCount { 0 }; // sample frames; set to 0 by the callback at the slice's end
+
+    // Sound output. The scratch array and the two fields after it belong to the sound callback.
+    const std::unique_ptr<int16_t[]> audioScratch;
+    int32_t scrubPosition = 0; // sample frames played of the slice
+    bool scrubBufferStale = true; // the slice must be filled before it is played
+    int32_t outputChannels = 2; // audio thread, before the stream starts
+    std::atomic<int32_t> audioErrorCode { 0 }; // audio thread writes, GUI thread reads and clears
+
+    // Decoders to demuxer.
+    std::atomic<bool> soundUnused { false }; // audio thread sets: nobody takes sound packets, free them
+    std::atomic<bool> videoUnused { false }; // video thread sets: nobody takes picture packets
+    std::atomic<Landing> landing { Landing::None }; // demuxer asks (Pending), video thread answers
+    std::atomic<double> landingTarget { 0.0 }; // seconds; demuxer writes before the flush marker
+    std::atomic<bool> readFailed { false }; // demuxer: reading broke off, no end marker will come
+
+    PlaybackClock clock;
+    PacketQueue audioPackets;
+    PacketQueue videoPackets;
+    AudioFrameBuffer audioFrames;
+    VideoFrameCache videoFrames;
+};
