@@ -1,0 +1,112 @@
+#include "audioframebuffer.h"
+
+#include <QTest>
+
+namespace {
+
+constexpr int rate = 1000; // Hz
+constexpr int blockFrames = 50;
+
+/// Sample frame i of the block holds `first` + i.
+std::unique_ptr<DecodedAudioFrame> block(double time, int first)
+{
+    auto made = std::make_unique<DecodedAudioFrame>(blockFrames, blockFrames, time);
+    for (int i = 0; i < blockFrames; ++i) {
+        made->samples[i] = static_cast<int16_t>(first + i);
+    }
+    return made;
+}
+
+QVector<int16_t> readSound(AudioFrameBuffer& buffer, int count, double time, double gain = 1.0)
+{
+    QVector<int16_t> out(count, -1);
+    return buffer.read(out.data(), count, 1, rate, time, gain) == count ? out : QVector<int16_t>();
+}
+
+} // namespace
+
+class TestAudioFrameBuffer : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void read_startsAtTheSampleForTheTime_data()
+    {
+        QTest::addColumn<double>("time");
+        QTest::addColumn<int>("first"); // value of the first sample read
+        QTest::addColumn<int>("sounding"); // samples before silence
+        QTest::newRow("at the start") << 0.0 << 100 << 150;
+        QTest::newRow("early sound plays at once") << -5.0 << 100 << 150;
+        QTest::newRow("below a hundredth late is in sync") << 0.0099 << 100 << 150;
+        QTest::newRow("20 ms late skips 20 samples") << 0.0205 << 120 << 130;
+        QTest::newRow("late blocks are skipped whole") << 0.05 << 200 << 100;
+        QTest::newRow("late inside the last block") << 0.1305 << 330 << 20;
+        QTest::newRow("hours late") << 30000.0 << 0 << 0;
+    }
+    void read_startsAtTheSampleForTheTime()
+    {
+        QFETCH(double, time);
+        QFETCH(int, first);
+        QFETCH(int, sounding);
+        AudioFrameBuffer buffer;
+        for (int i = 0; i < 3; ++i) {
+            buffer.put(block(i * 0.05, 100 * (i + 1)), rate, 0.0);
+        }
+        const auto sound = readSound(buffer, 200, time);
+        QCOMPARE(sound.size(), 200);
+        QCOMPARE(int(sound.first()), first);
+        QCOMPARE(int(sound.count(0)), 200 - sounding);
+        QCOMPARE(readSound(buffer, 5, time + 0.2), QVector<int16_t>(5, 0));
+        buffer.put(block(time + 0.2, 700), rate, 0.0); // sound that comes after the silence is played
+        QCOMPARE(int(readSound(buffer, 1, time + 0.2)[0]), 700);
+        buffer.resetReadPosition();
+        QCOMPARE(int(readSound(buffer, 1, 0.0)[0]), 100);
+    }
+
+    void read_limitsTheGain()
+    {
+        AudioFrameBuffer buffer;
+        auto loud = block(0.0, 0);
+        loud->samples[0] = 30000;
+        loud->samples[1] = -30000;
+        loud->samples[2] = -5;
+        buffer.put(std::move(loud), rate, 0.0);
+        QCOMPARE(readSound(buffer, 3, 0.0, 1.5), (QVector<int16_t> { 32767, -32768, -7 }));
+    }
+
+    // The callback went on reading a block that was freed, some seconds into half speed.
+    void put_whichDropsTheBlockBeingReadForgetsThePosition()
+    {
+        AudioFrameBuffer buffer;
+        buffer.put(block(0.0, 100), rate, 0.0);
+        buffer.put(block(0.05, 200), rate, 0.0);
+        QCOMPARE(int(readSound(buffer, 10, 0.0)[9]), 109);
+        buffer.put(block(0.1, 300), rate, 1.5);
+        QCOMPARE(int(readSound(buffer, 1, 0.1)[0]), 300);
+        QCOMPARE(int(readSound(buffer, 1, 0.101)[0]), 301);
+        buffer.put(block(0.15, 400), rate, 1.5); // another one goes, not the one being read
+        QCOMPARE(int(readSound(buffer, 1, 0.102)[0]), 302);
+    }
+
+    void put_dropsOneOldBlockACallAndCountsWhatIsLeft()
+    {
+        AudioFrameBuffer buffer;
+        for (int i = 0; i < 4; ++i) {
+            buffer.put(block(i, 0), rate, 0.0);
+        }
+        buffer.put(block(4.0, 0), rate, 1.0); // exactly one second before the reference is kept
+        QCOMPARE(buffer.frameCount(), 5);
+        buffer.put(block(5.0, 0), rate, 99.0);
+        QCOMPARE(buffer.frameCount(), 5);
+        QCOMPARE(buffer.totalValues(), 5 * blockFrames);
+        QCOMPARE(buffer.endTime(), 5.05);
+        buffer.discarding = true;
+        buffer.clear();
+        buffer.put(block(6.0, 0), rate, 0.0);
+        QVERIFY(buffer.discarding);
+        QCOMPARE(buffer.frameCount() + buffer.totalValues(), 0);
+        QCOMPARE(readSound(buffer, 2, 0.0), QVector<int16_t>(2, 0));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestAudioFrameBuffer)
+#include "tst_audioframebuffer.moc"
