@@ -5,15 +5,7 @@ extern "C" {
 #include <libavformat/avformat.h>
 }
 
-#include <algorithm>
-#include <cmath>
 #include <utility>
-
-namespace {
-// Keeps the last frame's number within the stream: the end itself would count as one frame more.
-constexpr double endGuardSeconds = 0.0001;
-constexpr int64_t endGuardMicroseconds = 10;
-}
 
 MediaSource::MediaSource(QString name)
     : filename(std::move(name))
@@ -39,25 +31,7 @@ double MediaSource::clockTime(bool update)
 
 double MediaSource::duration() const
 {
-    if (!opened.load(std::memory_order_acquire) || !formatContext) {
-        return 0.0;
-    }
-    double seconds = scannedDuration;
-    if (videoStream && videoStream->nb_frames > 0) {
-        seconds = static_cast<double>(videoStream->nb_frames) / frameRate - endGuardSeconds;
-    } else if (seconds <= 0.0 && formatContext->duration != AV_NOPTS_VALUE) {
-        seconds = static_cast<double>(formatContext->duration - endGuardMicroseconds) / AV_TIME_BASE;
-    }
-    return std::isfinite(seconds) ? std::max(seconds, 0.0) : 0.0;
-}
-
-double MediaSource::containerDuration() const
-{
-    if (!opened.load(std::memory_order_acquire) || !formatContext
-        || formatContext->duration == AV_NOPTS_VALUE) {
-        return scannedDuration;
-    }
-    return static_cast<double>(formatContext->duration) / AV_TIME_BASE;
+    return opened.load(std::memory_order_acquire) ? playableDuration : 0.0;
 }
 
 double MediaSource::rate() const { return opened.load(std::memory_order_acquire) ? frameRate : -1.0; }

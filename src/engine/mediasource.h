@@ -4,6 +4,7 @@
 #include "avhandles.h"
 #include "packetqueue.h"
 #include "playbackclock.h"
+#include "seeklanding.h"
 #include "videoframecache.h"
 
 #include <QString>
@@ -13,15 +14,6 @@
 #include <memory>
 
 struct AVStream;
-
-/// What the first picture after a seek says of where the seek went.
-enum class Landing {
-    None, // no seek is waiting for an answer
-    Pending, // the decoder has not met a picture yet
-    Landed, // it starts at or before the target
-    Late, // it starts after the target, so the picture asked for would never be decoded
-    Ended // the file ended without a picture
-};
 
 /// The opened media file: format context, chosen streams and their properties, packet queues, frame buffers, the
 /// request fields by which the threads talk to each other, and the playback clock. Made and deleted by the playback
@@ -46,10 +38,7 @@ public:
     double clockTime(bool update);
 
     // Any thread: what the demuxer found; neutral values until `opened`.
-    /// Seconds, finite, never negative; 0.0 when unknown.
-    [[nodiscard]] double duration() const;
-    /// Seconds that the container gives, as the end of the last picture.
-    [[nodiscard]] double containerDuration() const;
+    [[nodiscard]] double duration() const; // seconds, finite, never negative; 0.0 when unknown
     [[nodiscard]] double rate() const; // frames per second, -1.0 until opened
     [[nodiscard]] int videoWidth() const; // pixels, -1 until opened
     [[nodiscard]] int videoHeight() const;
@@ -80,7 +69,8 @@ public:
     int height = -1; // pixels
     double frameRate = -1.0; // frames per second; 25 where the file names none
     double videoDelay = 0.0; // seconds; 0, as pictures carry the time of the packet that released them
-    double scannedDuration = 0.0; // seconds, from the packets where the container names no duration
+    double playableDuration = 0.0; // seconds; what duration() gives
+    double containerDuration = 0.0; // seconds; where the stream's last picture is taken to end
     std::atomic<bool> opened { false }; // demuxer sets (release) when the properties above stand
 
     // Requests. Written by the GUI thread but where a comment says otherwise.
@@ -105,9 +95,9 @@ public:
     // Decoders to demuxer.
     std::atomic<bool> soundUnused { false }; // audio thread sets: nobody takes sound packets, free them
     std::atomic<bool> videoUnused { false }; // video thread sets: nobody takes picture packets
-    std::atomic<Landing> landing { Landing::None }; // demuxer asks (Pending), video thread answers
-    std::atomic<double> landingTarget { 0.0 }; // seconds; demuxer writes before the flush marker
-    std::atomic<bool> readFailed { false }; // demuxer: reading broke off, no end marker will come
+    std::atomic<bool> videoDecoding { false }; // video thread sets: a decoder takes picture packets
+    std::atomic<bool> readFailed { false }; // demuxer sets: reading broke off, no end marker will come
+    SeekLanding landing; // demuxer asks, video thread answers
 
     PlaybackClock clock;
     PacketQueue audioPackets;

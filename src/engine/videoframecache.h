@@ -57,6 +57,9 @@ public:
     /// Any thread. Empties the cache; the pictures' memory is given back little by little by later puts.
     void reset();
 
+    /// Empties the cache and gives all its memory back at once. No other thread may be using a picture.
+    void clear();
+
     /// Any thread. True when `seconds` lies inside the cached span; an empty cache contains no time.
     [[nodiscard]] bool contains(double seconds);
 
@@ -78,6 +81,8 @@ private:
     using FramePtr = std::unique_ptr<DecodedVideoFrame>;
 
     [[nodiscard]] bool mayEvict() const;
+    void insert(FramePtr frame, double frameDuration);
+    std::deque<FramePtr>::iterator firstAfter(double seconds);
     void evictFirst();
     void reclaimRetired();
     void keepSpare(FramePtr frame);

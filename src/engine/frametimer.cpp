@@ -1,0 +1,86 @@
+#include "frametimer.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+constexpr double gridTolerance = 0.001; // seconds; twice the error of a stamp rounded to milliseconds
+constexpr double gridToleranceShare = 0.25; // of a frame, for rates at which a millisecond is much
+}
+
+FrameTimer::FrameTimer(const Stream& stream)
+    : m_stream(stream)
+    , m_frameDuration(1.0 / stream.frameRate)
+{
+}
+
+void FrameTimer::packetSent(int64_t decodeTime)
+{
+    m_sent.push_back(m_stream.ignoresDecodeTimes ? noTime : decodeTime);
+}
+
+double FrameTimer::timeOf(const Picture& picture)
+{
+    skipPacketsUpTo(picture.releasedBy);
+    double raw = rawTime(picture);
+    if (raw == 0.0) {
+        const bool nothingKnown = m_predictedTime == 0.0 && !m_decodeTimeMet;
+        // The last group of pictures can be shorter than the reorder delay: no decode time is ever met.
+        raw = nothingKnown && picture.ownTime != noTime
+            ? static_cast<double>(picture.ownTime) * m_stream.timeBase
+            : m_predictedTime;
+    }
+    const double time = raw - m_stream.delay;
+    if (!m_firstTimeSeen) {
+        m_startOffset = std::max(time, 0.0);
+        m_firstTimeSeen = true;
+    }
+    m_predictedTime = raw + m_frameDuration + 0.5 * m_frameDuration * picture.repeatedFields;
+    return onGrid(time - m_startOffset, m_frameDuration);
+}
+
+double FrameTimer::rawTime(const Picture& picture) const
+{
+    int64_t ticks = 0;
+    if (picture.releasedBy == noTime) {
+        ticks = picture.tag != noTime ? picture.tag : 0;
+    } else if (!m_stream.ignoresDecodeTimes) {
+        ticks = picture.releasedBy;
+    }
+    return static_cast<double>(ticks) * m_stream.timeBase;
+}
+
+// Packets before the one that released a picture have released none; each of them says when the next picture was
+// expected. A picture of the final drain, released by no packet, comes after all of them.
+void FrameTimer::skipPacketsUpTo(int64_t decodeTime)
+{
+    const int64_t key = m_stream.ignoresDecodeTimes ? noTime : decodeTime;
+    const auto own = std::find(m_sent.begin(), m_sent.end(), key);
+    if (own == m_sent.end() && key != noTime) {
+        return; // a second picture of the same packet
+    }
+    for (auto packet = m_sent.begin(); packet != own; ++packet) {
+        if (*packet != noTime) {
+            m_predictedTime = static_cast<double>(*packet) * m_stream.timeBase;
+            m_decodeTimeMet = true;
+        }
+    }
+    m_decodeTimeMet = m_decodeTimeMet || key != noTime;
+    m_sent.erase(m_sent.begin(), own == m_sent.end() ? own : own + 1);
+}
+
+void FrameTimer::flush()
+{
+    m_sent.clear();
+    m_predictedTime = 0.0;
+    m_decodeTimeMet = false;
+    // A picture met only after a seek says nothing of where the file starts.
+    m_firstTimeSeen = true;
+}
+
+double FrameTimer::onGrid(double seconds, double frameDuration)
+{
+    const double nearest = std::round(seconds / frameDuration) * frameDuration;
+    const double tolerance = std::min(gridTolerance, frameDuration * gridToleranceShare);
+    return std::abs(seconds - nearest) <= tolerance ? nearest : seconds;
+}

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <cstdint>
+#include <deque>
+
+/// Gives every decoded picture its presentation time. Pictures leave the decoder in the order in which they are
+/// shown, and each takes the decode time of the packet that released it; a picture released without one comes one
+/// frame after the picture before. The result is the same however many threads decode.
+///
+/// Times are in seconds on the playback clock's scale: the first picture of a file that starts late is at 0.
+class FrameTimer {
+public:
+    static constexpr int64_t noTime = INT64_MIN; // the media library's mark for a missing time stamp
+
+    struct Stream {
+        double timeBase = 0.0; // seconds per tick
+        double frameRate = 25.0;
+        double delay = 0.0; // seconds, subtracted from every time
+        bool ignoresDecodeTimes = false; // the codec's decode times mean nothing
+    };
+
+    struct Picture {
+        int64_t releasedBy = noTime; // decode time of the packet that released it, ticks
+        int64_t tag = noTime; // time stamp hung on the picture's buffer, ticks
+        int64_t ownTime = noTime; // its own presentation time, ticks
+        int repeatedFields = 0;
+    };
+
+    explicit FrameTimer(const Stream& stream);
+
+    /// A packet went into the decoder, in this order.
+    void packetSent(int64_t decodeTime);
+
+    /// A picture came out.
+    double timeOf(const Picture& picture);
+
+    /// The decoder was flushed after a seek.
+    void flush();
+
+    /// False until a picture has fixed where the file starts.
+    [[nodiscard]] bool hasStart() const { return m_firstTimeSeen; }
+
+    /// The multiple of the frame duration that `seconds` stands for: containers with millisecond stamps write a
+    /// frame up to 0.5 ms beside its exact start. Times off the grid stay as they are.
+    static double onGrid(double seconds, double frameDuration);
+
+private:
+    void skipPacketsUpTo(int64_t decodeTime);
+    [[nodiscard]] double rawTime(const Picture& picture) const;
+
+    const Stream m_stream;
+    const double m_frameDuration; // seconds
+    std::deque<int64_t> m_sent; // decode times of packets that have released nothing yet
+    double m_predictedTime = 0.0; // expected raw time of the next picture
+    double m_startOffset = 0.0; // raw time of the first picture
+    bool m_firstTimeSeen = false;
+    bool m_decodeTimeMet = false; // since the last flush
+};

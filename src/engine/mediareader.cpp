@@ -1,0 +1,363 @@
+#include "mediareader.h"
+
+#include "framerate.h"
+#include "logger.h"
+#include "mediasource.h"
+#include "picturetag.h"
+
+#include <QThread>
+
+extern "C" {
+#include <libavcodec/avcodec.h>
+#include <libavformat/avformat.h>
+#include <libavutil/dict.h>
+#include <libavutil/imgutils.h>
+}
+
+#include <algorithm>
+#include <cmath>
+#include <filesystem>
+#include <limits>
+#include <string>
+
+namespace {
+
+constexpr unsigned long fullQueuePauseMs = 1;
+constexpr int bytesPerPixel = 3;
+// Keep the last frame's number within the stream: the end itself would count as one frame more.
+constexpr double endGuardSeconds = 0.0001;
+constexpr int64_t endGuardMicroseconds = 10;
+
+int isAborted(void* source)
+{
+    return static_cast<MediaSource*>(source)->abortRequested.load(std::memory_order_relaxed) ? 1 : 0;
+}
+
+bool isCover(const AVStream& stream) { return (stream.disposition & AV_DISPOSITION_ATTACHED_PIC) != 0; }
+
+double ratio(AVRational value)
+{
+    return value.den != 0 ? static_cast<double>(value.num) / value.den : 0.0;
+}
+
+double frameRateOf(const AVStream& stream)
+{
+    if (isCover(stream)) {
+        return usableFrameRate(0.0);
+    }
+    return usableFrameRate(
+        ratio(stream.avg_frame_rate.num != 0 ? stream.avg_frame_rate : stream.r_frame_rate));
+}
+
+void warnOfStream(const AVStream& stream, const char* what)
+{
+    Logger::displayWarning(QStringLiteral("No decoder for video stream: %1 (%2)")
+                               .arg(QString::fromUtf8(avcodec_get_name(stream.codecpar->codec_id)),
+                                   QString::fromUtf8(what)));
+}
+
+QString errorText(int result)
+{
+    char text[AV_ERROR_MAX_STRING_SIZE] = {};
+    av_strerror(result, text, sizeof text);
+    return QString::fromUtf8(text);
+}
+
+// A picture's bytes must fit an int, rows padded.
+bool isUsableSize(int width, int height)
+{
+    return width > 0 && height > 0 && av_image_check_size(width, height, 0, nullptr) >= 0
+        && (static_cast<int64_t>(width) * bytesPerPixel + bytesPerPixel) * height
+        <= std::numeric_limits<int>::max();
+}
+
+} // namespace
+
+MediaReader::MediaReader(MediaSource* mediaSource)
+    : m_source(mediaSource)
+{
+}
+
+int MediaReader::open()
+{
+    m_source->audioStreamCount = 0;
+    m_source->audioStreamIndex = -1;
+    m_source->videoStreamCount = 0;
+    m_source->videoStreamIndex = -1;
+    int result = openInput();
+    if (result >= 0) {
+        result = openStreams();
+    }
+    if (result >= 0) {
+        result = describeDuration();
+    }
+    if (result < 0) {
+        Logger::displayError(m_source->filename + QStringLiteral(": ") + errorText(result));
+        return result;
+    }
+    m_source->opened.store(true, std::memory_order_release);
+    return 0;
+}
+
+int MediaReader::openInput()
+{
+    const std::string path = m_source->filename.toStdString();
+    std::error_code error;
+    if (!std::filesystem::is_regular_file(path, error)) {
+        return AVERROR(EINVAL); // a pipe or a device would hold the thread
+    }
+    AVFormatContext* context = avformat_alloc_context();
+    if (!context) {
+        return AVERROR(ENOMEM);
+    }
+    context->interrupt_callback = { isAborted, m_source };
+    // The name is a file's even where it looks like an address, and a playlist inside it reaches no network.
+    AVDictionary* options = nullptr;
+    av_dict_set(&options, "protocol_whitelist", "file", 0);
+    int result = avformat_open_input(&context, ("file:" + path).c_str(), nullptr, &options);
+    av_dict_free(&options);
+    if (result < 0) {
+        return result; // the context is freed already
+    }
+    m_source->formatContext.reset(context);
+    return avformat_find_stream_info(context, nullptr);
+}
+
+int MediaReader::openStreams()
+{
+    const AVFormatContext& context = *m_source->formatContext;
+    const int streams = static_cast<int>(context.nb_streams);
+    for (int i = 0; i < streams; ++i) {
+        const AVStream& stream = *context.streams[i];
+        const AVMediaType type = stream.codecpar->codec_type;
+        m_source->audioStreamCount += type == AVMEDIA_TYPE_AUDIO ? 1 : 0;
+        m_source->videoStreamCount += type == AVMEDIA_TYPE_VIDEO ? 1 : 0;
+        const bool wanted = (type == AVMEDIA_TYPE_AUDIO && m_source->audioStreamIndex < 0)
+            || (type == AVMEDIA_TYPE_VIDEO && m_source->videoStreamIndex < 0 && !isCover(stream));
+        if (wanted) {
+            static_cast<void>(openStream(i)); // a stream that fails is skipped for the next of its kind
+        }
+    }
+    for (int i = 0; i < streams && m_source->videoStreamIndex < 0; ++i) {
+        if (isCover(*context.streams[i])) {
+            static_cast<void>(openStream(i));
+        }
+    }
+    if (m_source->videoStreamIndex < 0) {
+        m_source->frameRate = usableFrameRate(0.0);
+    }
+    return m_source->audioStreamIndex >= 0 || m_source->videoStreamIndex >= 0 ? 0 : -1;
+}
+
+int MediaReader::openStream(int index)
+{
+    const AVFormatContext* context = m_source->formatContext.get();
+    if (!context || index < 0 || index >= static_cast<int>(context->nb_streams)) {
+        return -1;
+    }
+    const AVStream& stream = *context->streams[index];
+    const bool isVideo = stream.codecpar->codec_type == AVMEDIA_TYPE_VIDEO;
+    const AVCodec* decoder = avcodec_find_decoder(stream.codecpar->codec_id);
+    AvPtr<AVCodecContext> codec(decoder ? avcodec_alloc_context3(decoder) : nullptr);
+    if (!codec || avcodec_parameters_to_context(codec.get(), stream.codecpar) < 0) {
+        if (isVideo) {
+            warnOfStream(stream, "unknown codec");
+        }
+        return -1;
+    }
+    codec->pkt_timebase = stream.time_base;
+    if (isVideo) {
+        codec->thread_count = 0; // as many as there are cores
+        codec->get_buffer2 = tagPictureBuffer;
+    }
+    const int result = avcodec_open2(codec.get(), decoder, nullptr);
+    if (result < 0) {
+        if (isVideo) {
+            warnOfStream(stream, "the decoder does not open");
+        }
+        return result;
+    }
+    switch (codec->codec_type) {
+    case AVMEDIA_TYPE_VIDEO:
+        return openVideo(index, std::move(codec));
+    case AVMEDIA_TYPE_AUDIO:
+        return openAudio(index, std::move(codec));
+    default:
+        return 0;
+    }
+}
+
+int MediaReader::openVideo(int index, AvPtr<AVCodecContext> codec)
+{
+    AVStream* stream = m_source->formatContext->streams[index];
+    if (!isUsableSize(codec->width, codec->height)) {
+        warnOfStream(*stream, "unusable picture size");
+        return -1;
+    }
+    m_source->videoStreamIndex = index;
+    m_source->videoStream = stream;
+    m_source->width = codec->width;
+    m_source->height = codec->height;
+    m_source->frameRate = frameRateOf(*stream);
+    m_source->videoCodec = std::move(codec);
+    return 0;
+}
+
+int MediaReader::openAudio(int index, AvPtr<AVCodecContext> codec)
+{
+    m_source->audioStreamIndex = index;
+    m_source->audioStream = m_source->formatContext->streams[index];
+    m_source->channels = codec->ch_layout.nb_channels;
+    m_source->planar = av_sample_fmt_is_planar(codec->sample_fmt);
+    m_source->bytesPerSample = av_get_bytes_per_sample(codec->sample_fmt);
+    m_source->sampleRate = codec->sample_rate;
+    m_source->audioCodec = std::move(codec);
+    return 0;
+}
+
+int MediaReader::describeDuration()
+{
+    const AVFormatContext& context = *m_source->formatContext;
+    const AVStream* video = m_source->videoStream;
+    const bool hasFrameCount = video && video->nb_frames > 0;
+    // A length worked out from the bit rate is a guess, often far off.
+    const bool hasDuration = context.duration != AV_NOPTS_VALUE && context.duration > 0
+        && context.duration_estimation_method != AVFMT_DURATION_FROM_BITRATE;
+    double container = hasDuration ? static_cast<double>(context.duration) / AV_TIME_BASE : 0.0;
+    double playable = 0.0;
+    if (hasFrameCount) {
+        playable = static_cast<double>(video->nb_frames) / m_source->frameRate - endGuardSeconds;
+    } else {
+        if (!hasDuration) {
+            const int result = scanDuration(container);
+            if (result < 0) {
+                return result;
+            }
+        }
+        playable = container - static_cast<double>(endGuardMicroseconds) / AV_TIME_BASE;
+    }
+    m_source->containerDuration = std::isfinite(container) ? std::max(container, 0.0) : 0.0;
+    m_source->playableDuration = std::isfinite(playable) ? std::max(playable, 0.0) : 0.0;
+    return 0;
+}
+
+int MediaReader::scanDuration(double& seconds)
+{
+    const AVStream& stream = m_source->videoStream ? *m_source->videoStream : *m_source->audioStream;
+    const double unit = ratio(stream.time_base);
+    double first = std::numeric_limits<double>::infinity();
+    double end = -first;
+    const AvPtr<AVPacket> packet = makePacket();
+    while (av_read_frame(m_source->formatContext.get(), packet.get()) >= 0) {
+        const int64_t time = packet->pts != AV_NOPTS_VALUE ? packet->pts : packet->dts;
+        if (packet->stream_index == stream.index && time != AV_NOPTS_VALUE) {
+            const double start = static_cast<double>(time) * unit;
+            const double length = packet->duration > 0 ? static_cast<double>(packet->duration) * unit
+                                                       : 1.0 / m_source->frameRate;
+            first = std::min(first, start);
+            end = std::max(end, start + length);
+        }
+        av_packet_unref(packet.get());
+    }
+    seconds = end > first ? end - first : 0.0;
+    return m_source->abortRequested ? AVERROR_EXIT : seekToStart();
+}
+
+void MediaReader::close()
+{
+    if (!m_source) {
+        return;
+    }
+    m_source->audioCodec.reset();
+    m_source->videoCodec.reset();
+    m_source->audioStream = nullptr;
+    m_source->videoStream = nullptr;
+    m_source->formatContext.reset();
+}
+
+bool MediaReader::isInterrupted() const
+{
+    return m_source->seekRequested.load(std::memory_order_acquire)
+        || m_source->abortRequested.load(std::memory_order_relaxed);
+}
+
+int MediaReader::readPackets(int maxPackets)
+{
+    int packetsRead = 0;
+    while (!isInterrupted()) {
+        AvPtr<AVPacket> packet = makePacket();
+        const int result = av_read_frame(m_source->formatContext.get(), packet.get());
+        if (result == AVERROR(EAGAIN)) {
+            QThread::msleep(fullQueuePauseMs);
+            continue;
+        }
+        if (result < 0) {
+            return m_source->abortRequested ? 0 : result;
+        }
+        if (packet->size <= 0) {
+            // Nothing to decode; a decoder would take it for the request to drain.
+        } else if (packet->stream_index == m_source->audioStreamIndex) {
+            deliver(packet, m_source->audioPackets, m_source->soundUnused);
+        } else if (packet->stream_index == m_source->videoStreamIndex) {
+            deliver(packet, m_source->videoPackets, m_source->videoUnused);
+        }
+        if (maxPackets >= 1 && ++packetsRead >= maxPackets) {
+            return 0;
+        }
+    }
+    return 0;
+}
+
+void MediaReader::deliver(
+    AvPtr<AVPacket>& packet, PacketQueue& queue, const std::atomic<bool>& unused) const
+{
+    while (packet && !isInterrupted() && !unused.load(std::memory_order_acquire)) {
+        if (!queue.hasRoom()) {
+            QThread::msleep(fullQueuePauseMs);
+        } else if (queue.put(packet)) {
+            return;
+        }
+    }
+}
+
+bool MediaReader::hasRoom() const
+{
+    return (m_source->soundUnused || m_source->audioPackets.hasRoom())
+        && (m_source->videoUnused || m_source->videoPackets.hasRoom());
+}
+
+int MediaReader::seek(double seconds)
+{
+    AVFormatContext* context = m_source->formatContext.get();
+    constexpr double latest = static_cast<double>(std::numeric_limits<int64_t>::max() / 2) / AV_TIME_BASE;
+    const auto target = static_cast<int64_t>(std::clamp(seconds, 0.0, latest) * AV_TIME_BASE);
+    int result;
+    if (target != 0) {
+        result = avformat_seek_file(context, -1, 0, target, target, AVSEEK_FLAG_FRAME);
+        if (result < 0) {
+            result = av_seek_frame(context, -1, target, AVSEEK_FLAG_BACKWARD);
+        }
+    } else {
+        // From the very start, the first key picture may lie a little after 0.
+        const int flags = m_source->clockTime(false) > 0.0 ? AVSEEK_FLAG_BACKWARD : 0;
+        result = av_seek_frame(context, -1, 0, flags);
+    }
+    return result >= 0 ? result : seekToStart();
+}
+
+int MediaReader::seekToStart()
+{
+    AVFormatContext* context = m_source->formatContext.get();
+    int result = av_seek_frame(context, -1, 0, AVSEEK_FLAG_BACKWARD);
+    if (result < 0 && context->start_time != AV_NOPTS_VALUE) {
+        result = av_seek_frame(context, -1, context->start_time, AVSEEK_FLAG_BACKWARD);
+    }
+    if (result < 0) {
+        constexpr int64_t anywhere = std::numeric_limits<int64_t>::max();
+        result = avformat_seek_file(context, -1, -anywhere, 0, anywhere, 0);
+    }
+    if (result < 0) {
+        result = av_seek_frame(context, -1, 0, AVSEEK_FLAG_BYTE);
+    }
+    return result;
+}

@@ -1,0 +1,160 @@
+#include "videodecoder.h"
+
+#include "mediasource.h"
+#include "picturetag.h"
+
+#include <QThread>
+
+extern "C" {
+#include <libavcodec/avcodec.h>
+#include <libavformat/avformat.h>
+}
+
+namespace {
+
+constexpr unsigned long fullCachePauseMs = 1;
+constexpr double framesBehindKept = 3.0; // an older picture is dropped unconverted
+constexpr int mostErrorsInARow = 100; // of one packet; a decoder that only fails must not hold the loop
+
+FrameTimer::Stream timing(const MediaSource& source)
+{
+    const AVRational base = source.videoStream->time_base;
+    return { static_cast<double>(base.num) / base.den, source.frameRate, source.videoDelay,
+        source.videoCodec->codec_id == AV_CODEC_ID_VP6F };
+}
+
+} // namespace
+
+static_assert(FrameTimer::noTime == AV_NOPTS_VALUE);
+
+VideoDecoder::VideoDecoder(MediaSource* mediaSource)
+    : m_source(mediaSource)
+    , m_frame(makeFrame())
+    , m_timer(timing(*mediaSource))
+    , m_converter(mediaSource->width, mediaSource->height)
+{
+}
+
+int VideoDecoder::open()
+{
+    if (m_initialized || !m_frame || m_converter.open(m_source->videoCodec->pix_fmt) < 0) {
+        return -1;
+    }
+    m_initialized = true;
+    return 0;
+}
+
+int VideoDecoder::decodeNext()
+{
+    const AvPtr<AVPacket> packet = m_source->videoPackets.get();
+    if (!packet) {
+        return -1;
+    }
+    switch (packet->size) {
+    case PacketQueue::endOfStreamSize:
+        return drain();
+    case PacketQueue::flushSize:
+        flush(*packet);
+        return 0;
+    default:
+        return decodePacket(*packet);
+    }
+}
+
+int VideoDecoder::decodePacket(const AVPacket& packet)
+{
+    const int result = avcodec_send_packet(m_source->videoCodec.get(), &packet);
+    if (result < 0) {
+        return -1;
+    }
+    m_timer.packetSent(packet.dts);
+    receivePictures();
+    return 0;
+}
+
+int VideoDecoder::drain()
+{
+    // Refused where the decoder is drained already: then there is nothing left to receive.
+    if (avcodec_send_packet(m_source->videoCodec.get(), nullptr) >= 0) {
+        receivePictures();
+    }
+    m_source->videoFrames.setEndTime(m_source->containerDuration);
+    if (m_judgesLanding) {
+        m_judgesLanding = false;
+        m_source->landing.answer(m_landingSerial, SeekLanding::Verdict::Ended);
+    }
+    return endOfStream;
+}
+
+void VideoDecoder::flush(const AVPacket& marker)
+{
+    m_source->videoFrames.discarding.store(false, std::memory_order_release);
+    m_timer.flush();
+    avcodec_flush_buffers(m_source->videoCodec.get());
+    m_landingSerial = marker.pts;
+    m_judgesLanding = m_source->landing.isAsked(m_landingSerial);
+    m_skipsToFlush = false;
+}
+
+void VideoDecoder::receivePictures()
+{
+    int errors = 0;
+    while (errors < mostErrorsInARow && !m_source->abortRequested) {
+        const int result = avcodec_receive_frame(m_source->videoCodec.get(), m_frame.get());
+        if (result == AVERROR(EAGAIN) || result == AVERROR_EOF) {
+            return;
+        }
+        if (result < 0) {
+            ++errors; // one damaged picture does not end the rest
+            continue;
+        }
+        errors = 0;
+        handlePicture();
+        av_frame_unref(m_frame.get());
+    }
+}
+
+void VideoDecoder::handlePicture()
+{
+    const double time = m_timer.timeOf(
+        { m_frame->pkt_dts, pictureTag(*m_frame), m_frame->pts, m_frame->repeat_pict });
+    if (!passesLanding(time)) {
+        return;
+    }
+    if (framesBehindKept / m_source->frameRate + time >= m_source->clockTime(false)) {
+        convertAndStore(time);
+    }
+}
+
+bool VideoDecoder::passesLanding(double time)
+{
+    if (m_judgesLanding) {
+        m_judgesLanding = false;
+        const bool late = time > m_source->landing.target();
+        m_skipsToFlush = m_source->landing.answer(m_landingSerial,
+                             late ? SeekLanding::Verdict::Late : SeekLanding::Verdict::Landed)
+            && late;
+    }
+    return !m_skipsToFlush;
+}
+
+void VideoDecoder::convertAndStore(double time)
+{
+    VideoFrameCache& cache = m_source->videoFrames;
+    if (cache.discarding) {
+        return;
+    }
+    std::unique_ptr<DecodedVideoFrame> picture
+        = cache.obtain(m_converter.pictureBytes(), m_source->width, m_source->height);
+    if (m_converter.convert(*m_frame, *picture) < 0) {
+        return;
+    }
+    picture->time = time;
+    while (!m_source->abortRequested) {
+        if (!cache.hasRoom(m_source->clockTime(false))) {
+            QThread::msleep(fullCachePauseMs);
+        } else if (cache.put(picture, 1.0 / m_source->frameRate)) {
+            return;
+        }
+    }
+}

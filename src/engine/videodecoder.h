@@ -1,0 +1,43 @@
+#pragma once
+
+#include "avhandles.h"
+#include "frametimer.h"
+#include "rgbconverter.h"
+
+class MediaSource;
+
+/// Turns the packets of a source's video stream into pictures in its cache. Video thread only.
+class VideoDecoder {
+public:
+    static constexpr int endOfStream = -999;
+
+    explicit VideoDecoder(MediaSource* mediaSource);
+
+    /// 0, or -1 where the conversion cannot be set up or the decoder is open already.
+    [[nodiscard]] int open();
+
+    /// Takes one entry of the packet queue. 0; -1 where there was none or it did not decode; endOfStream after the
+    /// last picture.
+    [[nodiscard]] int decodeNext();
+
+    /// False until the first picture has come out.
+    [[nodiscard]] bool hasPicture() const { return m_timer.hasStart(); }
+
+private:
+    [[nodiscard]] int decodePacket(const AVPacket& packet);
+    [[nodiscard]] int drain();
+    void flush(const AVPacket& marker);
+    void receivePictures();
+    void handlePicture();
+    [[nodiscard]] bool passesLanding(double time);
+    void convertAndStore(double time);
+
+    MediaSource* const m_source; // not owned
+    const AvPtr<AVFrame> m_frame;
+    FrameTimer m_timer;
+    RgbConverter m_converter;
+    bool m_initialized = false;
+    bool m_judgesLanding = false; // the next picture answers where the seek went
+    bool m_skipsToFlush = false; // the seek landed late: nothing counts until the next one
+    int64_t m_landingSerial = 0;
+};
