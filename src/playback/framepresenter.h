@@ -1,0 +1,43 @@
+#pragma once
+
+class MediaSource;
+class SoftwareViewer;
+
+/// Takes the picture for the play head out of the cache, mirrors and turns it, and hands it to the viewer: once per
+/// picture, however often it is asked. GUI thread.
+class FramePresenter {
+public:
+    enum class Result {
+        NoViewer,
+        Shown, // the right picture is on show
+        Missing, // nothing is cached
+        Awaited // the picture for this time is still to be decoded; what was on show stays
+    };
+
+    void setViewer(SoftwareViewer* viewer) { m_viewer = viewer; }
+    void setFlip(bool horizontal, bool vertical);
+    /// Clockwise degrees; kept as the remainder of a division by 360 that keeps the sign.
+    void setRotation(int degrees);
+
+    /// Shows the picture for the source's clock. `refresh` paints it even where it is on show already. While
+    /// `moving`, a late picture is better than none.
+    Result show(MediaSource& source, bool refresh, bool moving);
+
+    /// Shows nothing.
+    void clear();
+    /// The next picture is painted whatever its number.
+    void forget();
+
+    [[nodiscard]] bool flipsHorizontally() const { return m_flipHorizontal; }
+    [[nodiscard]] bool flipsVertically() const { return m_flipVertical; }
+    [[nodiscard]] int rotation() const { return m_rotation; }
+    [[nodiscard]] int lastDisplayedFrame() const { return m_lastDisplayedFrame; }
+
+private:
+    SoftwareViewer* m_viewer = nullptr; // not owned
+    int m_lastDisplayedFrame = -1; // number of the frame last given to the viewer
+    bool m_repaintPending = true; // paint the next picture whatever its number
+    bool m_flipHorizontal = false;
+    bool m_flipVertical = false;
+    int m_rotation = 0; // degrees
+};

@@ -1,0 +1,632 @@
+#include "playbackmanager.h"
+
+#include "mediasource.h"
+#include "playbackerrors.h"
+
+#include <QFileInfo>
+
+#include <algorithm>
+#include <array>
+
+namespace {
+
+constexpr int playHeadIntervalMs = 1;
+constexpr int pictureIntervalMs = 1;
+constexpr double endGuardSeconds = 0.0001; // the play head rests this far before the end
+constexpr double fullVolumePercent = 100.0;
+constexpr int64_t bytesPerPixel = 3;
+
+constexpr std::array acceptedSuffixes { "avi", "flv", "m4v", "mkv", "mov", "mp4", "mpeg", "mpeg4",
+    "mpg", "webm", "wmv" };
+
+bool isAccepted(const QString& suffix)
+{
+    return std::any_of(acceptedSuffixes.begin(), acceptedSuffixes.end(), [&](const char* accepted) {
+        return suffix.compare(QLatin1String(accepted), Qt::CaseInsensitive) == 0;
+    });
+}
+
+int64_t frameBytes(const MediaSource& source)
+{
+    return bytesPerPixel * source.videoWidth() * source.videoHeight();
+}
+
+} // namespace
+
+PlaybackManager::PlaybackManager(QObject* parent)
+    : QObject(parent)
+    , m_engineStatus { m_engine.media().status(), m_engine.audio().status(), m_engine.video().status() }
+{
+    m_playbackTimer.setTimerType(Qt::PreciseTimer);
+    m_playbackTimer.setInterval(playHeadIntervalMs);
+    m_pictureTimer.setTimerType(Qt::PreciseTimer);
+    m_pictureTimer.setInterval(pictureIntervalMs);
+    wireMedia();
+    m_engine.startMedia();
+    wireAudio();
+    m_engine.startAudio();
+    wireVideo();
+    m_engine.startVideo();
+    connect(&m_playbackTimer, &QTimer::timeout, this, &PlaybackManager::updatePlaybackTime);
+    connect(&m_pictureTimer, &QTimer::timeout, this, [this] { updateVideoFrame(false); });
+}
+
+PlaybackManager::~PlaybackManager()
+{
+    setStatus(UnknownStatus);
+    if (m_mediaSource) {
+        EngineThreads::leaveBehind(std::move(m_mediaSource));
+    }
+}
+
+void PlaybackManager::wireMedia()
+{
+    MediaManager* media = &m_engine.media();
+    connect(this, &PlaybackManager::mediaSourceChanged, media, &MediaManager::load);
+    connect(this, &PlaybackManager::seekRequested, media, &MediaManager::seek);
+    connect(this, &PlaybackManager::unloadMedia, media, &MediaManager::unload);
+    connect(media, &MediaManager::error, this, &PlaybackManager::onMediaError);
+    connect(media, &MediaManager::statusChanged, this, &PlaybackManager::onMediaStatusUpdate);
+    connect(media, &MediaManager::released, this, [this] {
+        m_unload.mediaReleased = true;
+        handleEngineStatus();
+    });
+}
+
+void PlaybackManager::wireAudio()
+{
+    AudioManager* audio = &m_engine.audio();
+    connect(this, &PlaybackManager::mediaSourceLoaded, audio, &AudioManager::changeMediaSource);
+    connect(this, &PlaybackManager::unloadAudioVideo, audio, &AudioManager::stopDecoding);
+    connect(audio, &AudioManager::error, this, &PlaybackManager::onAudioError);
+    connect(audio, &AudioManager::statusChanged, this, &PlaybackManager::onAudioStatusUpdate);
+    connect(audio, &AudioManager::released, this, [this] {
+        m_unload.audioReleased = true;
+        handleEngineStatus();
+    });
+}
+
+void PlaybackManager::wireVideo()
+{
+    VideoManager* video = &m_engine.video();
+    connect(this, &PlaybackManager::mediaSourceLoaded, video, &VideoManager::changeMediaSource);
+    connect(this, &PlaybackManager::unloadAudioVideo, video, &VideoManager::stopDecoding);
+    connect(video, &VideoManager::error, this, &PlaybackManager::onVideoError);
+    connect(video, &VideoManager::statusChanged, this, &PlaybackManager::onVideoStatusUpdate);
+    connect(video, &VideoManager::released, this, [this] {
+        m_unload.videoReleased = true;
+        handleEngineStatus();
+    });
+}
+
+bool PlaybackManager::setMedia(QString filename, int64_t cacheSize, float trailingCachePct)
+{
+    const QFileInfo file(filename);
+    if (!file.exists() && file.isFile()) {
+        if (m_state != Stopped) {
+            stop();
+        }
+        raise(ResourceError, tr("Invalid filename: %1").arg(filename));
+        return false;
+    }
+    if (!isAccepted(file.suffix())) {
+        if (m_state != Stopped) {
+            stop();
+        }
+        raise(ResourceError, tr("Unsupported format: %1").arg(file.suffix()));
+        return false;
+    }
+    m_cacheSize = cacheSize;
+    m_trailingCachePct = trailingCachePct;
+    if (m_state != Stopped || m_status != NoMedia) {
+        m_pendingFilename = filename;
+        stop(); // also while loading or invalid, when the state is Stopped already
+        return true;
+    }
+    createSource(filename);
+    return true;
+}
+
+void PlaybackManager::createSource(const QString& filename)
+{
+    ++m_revision;
+    m_pendingFilename.clear();
+    m_audioScrubDuration = 0.0;
+    m_unload = {};
+    m_mediaSource = std::make_unique<MediaSource>(filename);
+    setStatus(Loading);
+    if (m_status == Loading) {
+        Q_EMIT mediaSourceChanged(m_mediaSource.get());
+    }
+}
+
+void PlaybackManager::play(double duration)
+{
+    if (m_state == Playing || m_status != Ready) {
+        return;
+    }
+    const unsigned revision = m_revision;
+    rebaseClock();
+    updatePlaybackTime();
+    if (m_revision != revision || m_state == Playing || m_status != Ready) {
+        return;
+    }
+    const double time = m_mediaSource->clockTime(false);
+    // Compared with the play head, not added to it.
+    m_mediaSource->playUntil = duration > 0.0 && time >= duration ? time : MediaSource::noPlayLimit;
+    m_mediaSource->scrubRequested = false;
+    m_mediaSource->scrubSampleCount = 0;
+    m_mediaSource->playing = true;
+    m_pictureTimer.stop();
+    m_playbackTimer.start();
+    setState(Playing);
+}
+
+void PlaybackManager::pause() { haltPlayback(); }
+
+void PlaybackManager::haltPlayback()
+{
+    if (m_state == Paused) {
+        return;
+    }
+    if (m_mediaSource) {
+        m_mediaSource->playing = false;
+    }
+    m_playbackTimer.stop();
+    setState(Paused);
+}
+
+void PlaybackManager::stop()
+{
+    ++m_revision;
+    m_playbackTimer.stop();
+    m_pictureTimer.stop();
+    if (m_mediaSource && m_status != Unloading) {
+        m_seekRunning = false;
+        m_pendingSeekTime = -1.0;
+        m_mediaSource->playing = false;
+        m_mediaSource->abortRequested = true; // first: the engine's loops end while everybody is told
+        setStatus(Unloading);
+        Q_EMIT unloadAudioVideo();
+    }
+    m_presenter.clear();
+    setState(Stopped);
+}
+
+void PlaybackManager::setPlaybackTime(double playbackTime)
+{
+    if (m_mediaSource) {
+        m_mediaSource->resetClock(playbackTime);
+        updatePlaybackTime();
+    }
+}
+
+void PlaybackManager::updatePlaybackTime()
+{
+    if (m_mediaSource && m_seekRunning) {
+        Q_EMIT playbackTimeChanged(playbackTime());
+    } else if (m_mediaSource) {
+        advancePlayHead(false);
+    }
+}
+
+// After every emission: whoever heard it may have moved the play head or let go of the file.
+void PlaybackManager::advancePlayHead(bool pastEndHandled)
+{
+    const unsigned revision = m_revision;
+    const auto changedMeanwhile = [&](Status expected) {
+        return m_revision != revision || m_status != expected;
+    };
+    const double time = m_mediaSource->clockTime(true);
+    const double end = duration();
+    if (time >= end && !pastEndHandled) {
+        // Told while still playing, so that the listener can decide to loop.
+        setStatus(EndOfMedia);
+        if (changedMeanwhile(EndOfMedia)) {
+            return;
+        }
+        haltPlayback();
+        if (changedMeanwhile(EndOfMedia)) {
+            return;
+        }
+        m_mediaSource->resetClock(end - endGuardSeconds);
+        advancePlayHead(true);
+        return;
+    }
+    setStatus(Ready);
+    if (changedMeanwhile(Ready)) {
+        return;
+    }
+    if (time >= m_mediaSource->playUntil) {
+        m_mediaSource->playUntil = MediaSource::noPlayLimit;
+        haltPlayback();
+        if (changedMeanwhile(Ready)) {
+            return;
+        }
+    }
+    updateVideoFrame(false);
+    Q_EMIT playbackTimeChanged(time);
+}
+
+void PlaybackManager::updateVideoFrame(bool refresh)
+{
+    if (!m_mediaSource || m_seekRunning) {
+        return;
+    }
+    const auto result = m_presenter.show(*m_mediaSource, refresh, m_state == Playing);
+    if (result == FramePresenter::Result::Missing && m_engineStatus.video == VideoManager::EndOfStream) {
+        m_presenter.clear();
+    }
+    if (result == FramePresenter::Result::Awaited && m_status != Unloading) {
+        m_pictureTimer.start();
+    } else {
+        m_pictureTimer.stop();
+    }
+}
+
+void PlaybackManager::clearVideoFrame() { m_presenter.clear(); }
+
+void PlaybackManager::seek(bool clearCache, double time, double audioScrubDuration)
+{
+    if (!m_mediaSource || m_state == Stopped) {
+        return;
+    }
+    const unsigned revision = ++m_revision;
+    haltPlayback();
+    if (m_revision != revision) {
+        return;
+    }
+    MediaSource& source = *m_mediaSource;
+    const double target = time > 0.0 ? time : 0.0;
+    m_audioScrubDuration = audioScrubDuration;
+    source.scrubForward = target >= source.clockTime(true);
+    source.audioResyncRequested = true;
+    if (m_seekRunning) {
+        m_pendingSeekTime = target;
+    } else if (!clearCache && source.videoFrames.contains(target)) {
+        source.resetClock(target);
+        updatePlaybackTime();
+        if (m_revision == revision) {
+            requestAudioSlice();
+        }
+    } else {
+        issueSeek(target);
+    }
+}
+
+void PlaybackManager::issueSeek(double time)
+{
+    const unsigned revision = m_revision;
+    m_pendingSeekTime = -1.0;
+    m_pictureTimer.stop();
+    m_seekRunning = true;
+    m_mediaSource->seekTime = time;
+    m_mediaSource->seekRequested.store(true, std::memory_order_release);
+    setStatus(Seeking);
+    if (m_seekRunning && (m_revision == revision || m_status == Seeking)) {
+        Q_EMIT seekRequested();
+    }
+}
+
+void PlaybackManager::requestAudioSlice()
+{
+    MediaSource& source = *m_mediaSource;
+    source.scrubSampleCount = static_cast<int32_t>(source.sampleRate * m_audioScrubDuration);
+    source.audioResyncRequested = true;
+    source.scrubRequested.store(true, std::memory_order_release);
+}
+
+void PlaybackManager::rebaseClock() { m_mediaSource->resetClock(m_mediaSource->clockTime(true)); }
+
+void PlaybackManager::onMediaStatusUpdate(MediaManager::Status status)
+{
+    m_engineStatus.media = status;
+    handleEngineStatus();
+}
+
+void PlaybackManager::onAudioStatusUpdate(AudioManager::Status status)
+{
+    m_engineStatus.audio = status;
+    handleEngineStatus();
+}
+
+void PlaybackManager::onVideoStatusUpdate(VideoManager::Status status)
+{
+    m_engineStatus.video = status;
+    handleEngineStatus();
+}
+
+void PlaybackManager::handleEngineStatus()
+{
+    if (!m_mediaSource) {
+        return;
+    }
+    switch (m_status) {
+    case Loading:
+        return handleLoading();
+    case Unloading:
+        return handleUnloading();
+    case Ready:
+        return handleReady();
+    case Seeking:
+        return handleSeeked();
+    default:
+        return;
+    }
+}
+
+void PlaybackManager::handleLoading()
+{
+    MediaSource& source = *m_mediaSource;
+    switch (nextLoadStep(m_engineStatus)) {
+    case LoadStep::StartDecoders:
+        source.videoFrames.setCacheSize(m_cacheSize, frameBytes(source), m_trailingCachePct);
+        source.volume = m_volume / fullVolumePercent;
+        Q_EMIT mediaSourceLoaded(&source);
+        return;
+    case LoadStep::Complete:
+        return completeLoad();
+    case LoadStep::NoStreams:
+        raise(FormatError, tr("No audio/video streams found."));
+        if (m_status == Loading) {
+            setStatus(InvalidMedia);
+        }
+        return;
+    case LoadStep::Wait:
+        return;
+    }
+}
+
+void PlaybackManager::completeLoad()
+{
+    const unsigned revision = m_revision;
+    setStatus(Loaded);
+    if (m_revision != revision || m_status != Loaded) {
+        return;
+    }
+    haltPlayback();
+    if (m_revision != revision || m_status != Loaded) {
+        return;
+    }
+    m_mediaSource->resetClock(0.0);
+    updatePlaybackTime();
+    if (m_revision == revision && m_status == Ready) {
+        handleReady(); // the decoders may have come further while this loaded
+    }
+}
+
+void PlaybackManager::handleReady()
+{
+    if (!m_engineStatus.readyAtPlayHead()) {
+        updateVideoFrame(false); // starts to wait for the picture
+        return;
+    }
+    const unsigned revision = m_revision;
+    rebaseClock();
+    updatePlaybackTime();
+    if (m_revision == revision && m_status == Ready && m_state != Playing) {
+        requestAudioSlice();
+    }
+}
+
+void PlaybackManager::handleSeeked()
+{
+    if (m_seekRunning && m_engineStatus.media == MediaManager::Seeked) {
+        endSeek();
+    }
+}
+
+// The seek that ran has ended, one way or the other.
+void PlaybackManager::endSeek()
+{
+    m_seekRunning = false;
+    if (m_pendingSeekTime >= 0.0) {
+        issueSeek(m_pendingSeekTime);
+        return;
+    }
+    const unsigned revision = m_revision;
+    setStatus(Ready);
+    if (m_revision == revision && m_status == Ready) {
+        handleReady(); // the picture may have come before the demuxer's answer
+    }
+}
+
+void PlaybackManager::handleUnloading()
+{
+    if (!m_engineStatus.decodersIdle() || !m_unload.audioReleased || !m_unload.videoReleased) {
+        return;
+    }
+    if (!m_unload.mediaAsked) {
+        m_unload.mediaAsked = true;
+        Q_EMIT unloadMedia();
+    } else if (m_unload.mediaReleased) {
+        finishUnload();
+    }
+}
+
+void PlaybackManager::finishUnload()
+{
+    ++m_revision;
+    m_mediaSource.reset();
+    m_engineStatus.media = MediaManager::Status {};
+    m_engineStatus.audio = AudioManager::Idle;
+    setStatus(NoMedia);
+    if (m_status != NoMedia) {
+        return;
+    }
+    setState(Stopped);
+    if (m_status == NoMedia && !m_pendingFilename.isEmpty()) {
+        createSource(QString(m_pendingFilename));
+    }
+}
+
+void PlaybackManager::onMediaError(MediaManager::Error mediaError)
+{
+    const bool openFailed = mediaError == MediaManager::OpenError;
+    if (!m_mediaSource || (openFailed && m_status != Loading)) {
+        return; // of a file given up meanwhile
+    }
+    const unsigned revision = m_revision;
+    const PlaybackError described = describe(mediaError);
+    raise(described.code, described.text);
+    if (m_revision != revision) {
+        return;
+    }
+    if (openFailed) {
+        stop();
+    } else if (mediaError == MediaManager::SeekError && m_status == Seeking) {
+        endSeek();
+    }
+}
+
+void PlaybackManager::onAudioError(AudioManager::Error audioError)
+{
+    const QString detail
+        = m_mediaSource ? audioErrorDetail(m_mediaSource->audioErrorCode.exchange(0)) : QString();
+    const PlaybackError described = describe(audioError, detail);
+    raise(described.code, described.text);
+}
+
+void PlaybackManager::onVideoError(VideoManager::Error videoError)
+{
+    const PlaybackError described = describe(videoError);
+    raise(described.code, described.text);
+}
+
+void PlaybackManager::setState(State state)
+{
+    if (m_state != state) {
+        m_state = state;
+        Q_EMIT stateChanged(state);
+    }
+}
+
+void PlaybackManager::setStatus(Status status)
+{
+    if (m_status != status) {
+        m_status = status;
+        Q_EMIT statusChanged(status);
+    }
+}
+
+void PlaybackManager::raise(Error code, const QString& text)
+{
+    if (m_error != code) {
+        m_error = code;
+        Q_EMIT error(code, text);
+    }
+    m_error = NoError;
+}
+
+QString PlaybackManager::mediaFilename() const
+{
+    return m_mediaSource ? m_mediaSource->filename : QString();
+}
+
+double PlaybackManager::playbackTime()
+{
+    if (!m_mediaSource) {
+        return 0.0;
+    }
+    if (m_seekRunning) {
+        return m_pendingSeekTime >= 0.0 ? m_pendingSeekTime : m_mediaSource->seekTime.load();
+    }
+    return m_mediaSource->clockTime(true);
+}
+
+double PlaybackManager::duration() const { return m_mediaSource ? m_mediaSource->duration() : 0.0; }
+
+int64_t PlaybackManager::durationMs() const
+{
+    constexpr double msPerSecond = 1000.0;
+    return static_cast<int64_t>(duration() * msPerSecond);
+}
+
+double PlaybackManager::frameRate() const { return m_mediaSource ? m_mediaSource->rate() : 0.0; }
+
+double PlaybackManager::frameDuration() const { return m_mediaSource ? 1.0 / m_mediaSource->rate() : 0.0; }
+
+int PlaybackManager::videoWidth() const { return m_mediaSource ? m_mediaSource->videoWidth() : -1; }
+
+int PlaybackManager::videoHeight() const { return m_mediaSource ? m_mediaSource->videoHeight() : -1; }
+
+bool PlaybackManager::hasAudio() const { return m_engineStatus.audio > AudioManager::NoAudio; }
+
+double PlaybackManager::speedMultiplier() const
+{
+    return m_mediaSource ? m_mediaSource->clock.speed.load() : 1.0;
+}
+
+void PlaybackManager::setSpeedMultiplier(double multiplier)
+{
+    if (m_mediaSource) {
+        m_mediaSource->clockTime(true); // what has passed counts at the old speed
+        m_mediaSource->clock.speed = multiplier;
+    }
+}
+
+void PlaybackManager::setVolume(int volume)
+{
+    const int clamped = std::max(volume, 0);
+    if (clamped == m_volume) {
+        return;
+    }
+    m_volume = clamped;
+    if (m_mediaSource) {
+        m_mediaSource->volume = m_volume / fullVolumePercent;
+    }
+}
+
+void PlaybackManager::setCacheSize(int64_t bytes, float trailingPct)
+{
+    m_cacheSize = bytes;
+    m_trailingCachePct = trailingPct;
+    if (m_mediaSource && m_mediaSource->opened) {
+        m_mediaSource->videoFrames.setCacheSize(bytes, frameBytes(*m_mediaSource), trailingPct);
+        seek(false, m_mediaSource->clockTime(false), 0.0);
+    }
+}
+
+void PlaybackManager::setFlip(bool horizontal, bool vertical)
+{
+    m_presenter.setFlip(horizontal, vertical);
+    updateVideoFrame(true);
+}
+
+void PlaybackManager::setRotation(int degrees)
+{
+    m_presenter.setRotation(degrees);
+    updateVideoFrame(true);
+}
+
+void PlaybackManager::setViewer(SoftwareViewer* viewer) { m_presenter.setViewer(viewer); }
+
+int PlaybackManager::cachedFrameCount() const
+{
+    return m_mediaSource ? m_mediaSource->videoFrames.frameCount() : 0;
+}
+
+int64_t PlaybackManager::videoCacheBytes() const
+{
+    return m_mediaSource ? m_mediaSource->videoFrames.byteCount() : 0;
+}
+
+int PlaybackManager::audioFrameCount() const
+{
+    return m_mediaSource ? m_mediaSource->audioFrames.frameCount() : 0;
+}
+
+int PlaybackManager::audioBufferSamples() const
+{
+    return m_mediaSource ? m_mediaSource->audioFrames.totalValues() : 0;
+}
+
+double PlaybackManager::cacheStartTime() const
+{
+    return m_mediaSource ? m_mediaSource->cachedStartTime() : 0.0;
+}
+
+double PlaybackManager::cacheEndTime() const
+{
+    return m_mediaSource ? m_mediaSource->cachedEndTime() : 0.0;
+}

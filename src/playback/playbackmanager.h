@@ -1,0 +1,163 @@
+#pragma once
+
+#include "enginethreads.h"
+#include "framepresenter.h"
+#include "loadsequence.h"
+
+#include <QObject>
+#include <QString>
+#include <QTimer>
+
+#include <cstdint>
+#include <memory>
+
+class MediaSource;
+class SoftwareViewer;
+
+/// Playback of one file: owns the engine and the open file, runs the play head, shows the frame under it, and turns
+/// the engine's statuses and errors into its own. GUI thread; the engine answers by queued signals.
+class PlaybackManager : public QObject {
+    Q_OBJECT
+
+public:
+    enum Error { NoError = 0, ResourceError = 1, FormatError = 2, UnknownError = 6 };
+    Q_ENUM(Error)
+
+    enum State { Stopped = 0, Playing = 1, Paused = 2 };
+    Q_ENUM(State)
+
+    enum Status {
+        UnknownStatus = 0, // the manager is going away
+        NoMedia = 1,
+        Loading = 2,
+        Loaded = 3, // passes at once to Ready
+        Unloading = 4,
+        Ready = 5, // the play head is inside the media
+        Seeking = 6,
+        EndOfMedia = 7,
+        InvalidMedia = 8
+    };
+    Q_ENUM(Status)
+
+    explicit PlaybackManager(QObject* parent = nullptr);
+    ~PlaybackManager() override;
+
+    /// Moves the play head to `time` seconds; a negative time counts as 0. Playing pauses. Inside the cache the
+    /// frame is shown at once, unless `clearCache`; else the demuxer seeks, and while it does only the newest target
+    /// is kept. `audioScrubDuration` seconds of sound are played at the new position. Nothing happens while stopped.
+    void seek(bool clearCache, double time, double audioScrubDuration);
+
+    [[nodiscard]] State state() const { return m_state; }
+    [[nodiscard]] Status status() const { return m_status; }
+    [[nodiscard]] QString mediaFilename() const;
+    /// Seconds; while a seek runs its newest target, so that steps add up. 0.0 without media.
+    [[nodiscard]] double playbackTime();
+    [[nodiscard]] double duration() const; // seconds, 0.0 without media
+    [[nodiscard]] int64_t durationMs() const;
+    [[nodiscard]] double frameRate() const; // frames per second, 0.0 without media
+    [[nodiscard]] double frameDuration() const; // seconds, 0.0 without media
+    [[nodiscard]] int videoWidth() const; // pixels, -1 without media
+    [[nodiscard]] int videoHeight() const;
+    [[nodiscard]] bool hasAudio() const;
+    [[nodiscard]] double speedMultiplier() const; // 1.0 without media
+    void setSpeedMultiplier(double multiplier);
+    [[nodiscard]] int volume() const { return m_volume; } // percent
+    void setVolume(int volume); // negative counts as 0; no upper limit
+    void setCacheSize(int64_t bytes, float trailingPct);
+    void setFlip(bool horizontal, bool vertical);
+    void setRotation(int degrees);
+    [[nodiscard]] int rotation() const { return m_presenter.rotation(); }
+    void setViewer(SoftwareViewer* viewer);
+
+    // What the caches hold, for display; 0 without media.
+    [[nodiscard]] int cachedFrameCount() const;
+    [[nodiscard]] int64_t videoCacheBytes() const;
+    [[nodiscard]] int audioFrameCount() const;
+    [[nodiscard]] int audioBufferSamples() const;
+    [[nodiscard]] double cacheStartTime() const; // seconds
+    [[nodiscard]] double cacheEndTime() const; // seconds
+
+Q_SIGNALS:
+    void error(PlaybackManager::Error err, QString errorStr);
+    void stateChanged(PlaybackManager::State state);
+    void statusChanged(PlaybackManager::Status status);
+    void mediaSourceChanged(MediaSource* mediaSrc);
+    void mediaSourceLoaded(MediaSource* mediaSrc);
+    void unloadAudioVideo();
+    void unloadMedia();
+    void seekRequested();
+    void playbackTimeChanged(double playbackTime);
+
+public Q_SLOTS:
+    /// Opens a file, after letting go of the one that is open; the last name asked for wins. False, with an error
+    /// raised, where the name's extension is not a video's. Cache size in bytes, trailing share from 0 to 1.
+    bool setMedia(QString filename, int64_t cacheSize, float trailingCachePct);
+    /// Starts from the play head while Ready. It pauses by itself only where `duration` is above 0 and already passed.
+    void play(double duration);
+    void play() { play(-1.0); }
+    void pause();
+    void stop();
+
+private Q_SLOTS:
+    void setPlaybackTime(double playbackTime);
+    void updatePlaybackTime();
+    void updateVideoFrame(bool refresh);
+    void updateVideoFrame() { updateVideoFrame(false); }
+    void clearVideoFrame();
+    void onMediaStatusUpdate(MediaManager::Status status);
+    void onAudioStatusUpdate(AudioManager::Status status);
+    void onVideoStatusUpdate(VideoManager::Status status);
+    void onMediaError(MediaManager::Error mediaError);
+    void onAudioError(AudioManager::Error audioError);
+    void onVideoError(VideoManager::Error audioError);
+
+private:
+    // What the engine has still to answer before the open file can be deleted.
+    struct Unload {
+        bool audioReleased = false;
+        bool videoReleased = false;
+        bool mediaAsked = false;
+        bool mediaReleased = false;
+    };
+
+    void wireMedia();
+    void wireAudio();
+    void wireVideo();
+    void createSource(const QString& filename);
+    void handleEngineStatus();
+    void handleLoading();
+    void handleUnloading();
+    void handleReady();
+    void handleSeeked();
+    void completeLoad();
+    void finishUnload();
+    void issueSeek(double time);
+    void endSeek();
+    void advancePlayHead(bool pastEndHandled);
+    void rebaseClock();
+    void requestAudioSlice();
+    void haltPlayback();
+    void setState(State state);
+    void setStatus(Status status);
+    void raise(Error code, const QString& text);
+
+    Error m_error = NoError;
+    State m_state = Stopped;
+    Status m_status = NoMedia;
+    std::unique_ptr<MediaSource> m_mediaSource; // outlives the engine's use of it: see leaveBehind
+    EngineThreads m_engine;
+    EngineStatus m_engineStatus;
+    QTimer m_playbackTimer; // the play head while playing
+    QTimer m_pictureTimer; // looks for a picture that was not decoded yet when it was asked for
+    FramePresenter m_presenter;
+    int64_t m_cacheSize = 0; // bytes
+    float m_trailingCachePct = 0.7F;
+    bool m_seekRunning = false; // from its emission until its own answer
+    double m_pendingSeekTime = -1.0; // seconds; asked for while a seek ran; negative: none
+    QString m_pendingFilename; // opened once the current file is unloaded
+    double m_audioScrubDuration = 0.0; // seconds
+    int m_volume = 100; // percent
+    Unload m_unload;
+    // Grows with every positioning, stop and new file: what goes on after an emission checks that it is unchanged.
+    unsigned m_revision = 0;
+};
