@@ -23,12 +23,16 @@ double FrameTimer::timeOf(const Picture& picture)
 {
     skipPacketsUpTo(picture.releasedBy);
     double raw = rawTime(picture);
+    m_guessed = false;
     if (raw == 0.0) {
         const bool nothingKnown = m_predictedTime == 0.0 && !m_decodeTimeMet;
-        // The last group of pictures can be shorter than the reorder delay: no decode time is ever met.
-        raw = nothingKnown && picture.ownTime != noTime
-            ? static_cast<double>(picture.ownTime) * m_stream.timeBase
-            : m_predictedTime;
+        if (nothingKnown && picture.ownTime != noTime) {
+            // The last group of pictures can be shorter than the reorder delay: no decode time is ever met.
+            raw = static_cast<double>(picture.ownTime) * m_stream.timeBase;
+        } else {
+            raw = m_predictedTime;
+            m_guessed = picture.releasedBy == noTime || m_stream.ignoresDecodeTimes;
+        }
     }
     const double time = raw - m_stream.delay;
     if (!m_firstTimeSeen) {

@@ -34,6 +34,10 @@ public:
     /// A picture came out.
     double timeOf(const Picture& picture);
 
+    /// True when the last picture's time only follows from what came before it. Right after a flush that is not
+    /// much: packets that the decoder dropped may lie between.
+    [[nodiscard]] bool wasGuessed() const { return m_guessed; }
+
     /// The decoder was flushed after a seek.
     void flush();
 
@@ -54,5 +58,6 @@ private:
     double m_predictedTime = 0.0; // expected raw time of the next picture
     double m_startOffset = 0.0; // raw time of the first picture
     bool m_firstTimeSeen = false;
+    bool m_guessed = false;
     bool m_decodeTimeMet = false; // since the last flush
 };

@@ -49,6 +49,17 @@ double frameRateOf(const AVStream& stream)
         ratio(stream.avg_frame_rate.num != 0 ? stream.avg_frame_rate : stream.r_frame_rate));
 }
 
+// Library releases before 6.0 want to be told so; in later ones every callback must be able to.
+void allowCallbackOnAnyThread([[maybe_unused]] AVCodecContext& codec)
+{
+#if LIBAVCODEC_VERSION_MAJOR < 60
+    QT_WARNING_PUSH
+    QT_WARNING_DISABLE_DEPRECATED
+    codec.thread_safe_callbacks = 1;
+    QT_WARNING_POP
+#endif
+}
+
 void warnOfStream(const AVStream& stream, const char* what)
 {
     Logger::displayWarning(QStringLiteral("No decoder for video stream: %1 (%2)")
@@ -169,6 +180,7 @@ int MediaReader::openStream(int index)
     if (isVideo) {
         codec->thread_count = 0; // as many as there are cores
         codec->get_buffer2 = tagPictureBuffer;
+        allowCallbackOnAnyThread(*codec);
     }
     const int result = avcodec_open2(codec.get(), decoder, nullptr);
     if (result < 0) {

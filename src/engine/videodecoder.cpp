@@ -130,7 +130,7 @@ bool VideoDecoder::passesLanding(double time)
 {
     if (m_judgesLanding) {
         m_judgesLanding = false;
-        const bool late = time > m_source->landing.target();
+        const bool late = time > m_source->landing.target() || m_timer.wasGuessed();
         m_skipsToFlush = m_source->landing.answer(m_landingSerial,
                              late ? SeekLanding::Verdict::Late : SeekLanding::Verdict::Landed)
             && late;

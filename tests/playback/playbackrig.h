@@ -1,0 +1,33 @@
+#pragma once
+
+#include "playbackmanager.h"
+#include "softwareviewer.h"
+
+#include <QString>
+
+/// A playback manager with a view, driven the way the window drives it. Pictures are asked which frame they are.
+class PlaybackRig {
+public:
+    PlaybackRig();
+
+    /// Opens a file and waits until it is ready.
+    bool open(const QString& path);
+
+    /// Asks for a frame, from 1 on, the way the window does.
+    void goTo(int frame, bool clearCache = false);
+
+    /// The frame on show, -1 where the view shows none.
+    [[nodiscard]] int shown() const;
+
+    /// Waits until the manager is ready and shows `frame`; the frame on show at the end, whatever it is.
+    int settledOn(int frame);
+
+    bool waitFor(PlaybackManager::Status status);
+    bool waitForState(PlaybackManager::State state);
+
+    [[nodiscard]] int lastFrame() const;
+    [[nodiscard]] double timeOf(int frame) const;
+
+    SoftwareViewer viewer;
+    PlaybackManager manager;
+};
