@@ -1,0 +1,7 @@
+#include "settings.h"
+
+Settings& settings()
+{
+    static Settings values;
+    return values;
+}

@@ -1,0 +1,213 @@
+#include "settings.h"
+#include "settingsstore.h"
+#include "settingstable.h"
+
+#include <QDir>
+#include <QFile>
+#include <QRandomGenerator>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <csignal>
+#include <sys/resource.h>
+
+namespace {
+
+bool writeFile(const QByteArray& content)
+{
+    QFile file(settingsFilePath());
+    return file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
+}
+
+QByteArray readFile()
+{
+    QFile file(settingsFilePath());
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+using Texts = QMap<QString, QString>;
+
+// All values as text, so that two states of the settings can be compared.
+Texts texts(Settings& values = settings())
+{
+    Texts result;
+    for (const SettingRow& row : settingRows(values)) {
+        const QVariant value = settingForFile(row);
+        const bool isList = value.userType() == QMetaType::QStringList;
+        result[row.key] = isList ? value.toStringList().join('|') : value.toString();
+    }
+    return result;
+}
+
+Texts defaultTexts()
+{
+    Settings values;
+    for (const SettingRow& row : settingRows(values)) {
+        assignSetting(row, QVariant());
+    }
+    return texts(values);
+}
+
+void setEverythingElse()
+{
+    const Texts numbers{ { "cacheSize", "4096" }, { "tcpPort", "65535" },
+        { "cacheTrailingPct", "0.333" } };
+    for (const SettingRow& row : settingRows(settings())) {
+        const bool isFlag = std::holds_alternative<bool*>(row.target);
+        assignSetting(
+            row, isFlag ? QVariant(!row.defaultValue.toBool()) : numbers.value(row.key, "2"));
+    }
+    settings().recentFiles = QStringList{ "/a, b;c.mp4", "@/\u00e9\u6f22 \"y\".mov" };
+    settings().recentBookmarkFiles.clear();
+}
+
+} // namespace
+
+class TestSettings : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        m_home = std::make_unique<QTemporaryDir>();
+        qputenv("HOME", m_home->path().toLocal8Bit());
+        settings() = Settings();
+    }
+
+    void missingFile_turnsZeroesIntoDefaults()
+    {
+        const Settings& values = settings();
+        QVERIFY(!values.showTimeline && values.volume == 0 && values.cacheTrailingPct == 0.0F);
+        loadSettings();
+        QCOMPARE(texts(), defaultTexts());
+        QVERIFY(values.showTimeline && !values.showRangeTimeline);
+        QVERIFY(values.rangeTimeline.positionAtTop && !values.timeline.positionAtTop);
+        QCOMPARE(values.volume, 100);
+        QCOMPARE(values.cacheTrailingPct, 0.8F);
+        QCOMPARE(settingsFilePath(), m_home->path() + "/.quillon/vantor.ini");
+        QCOMPARE(bookmarksDirectory(), m_home->path() + "/.quillon/bookmarks");
+        QVERIFY(QDir(bookmarksDirectory()).exists());
+    }
+
+    void load_takesOrRepairs_data()
+    {
+        QTest::addColumn<QByteArray>("group");
+        QTest::addColumn<QString>("expected");
+        // clang-format off
+        const struct { const char* group; const char* key; const char* stored; const char* expected; } rows[] = {
+            {"preferences", "cacheSize", "255", "512"},
+            {"preferences", "cacheSize", "4096", "4096"},
+            {"preferences", "cacheSize", "4097", "512"},
+            {"preferences", "cacheSize", "99999999999999999999", "512"},
+            {"preferences", "cacheSize", "4294967808", "512"}, // 512 in its lower 32 bits
+            {"preferences", "cacheSize", "many", "512"},
+            {"preferences", "numRecentFiles", "0", "0"},
+            {"preferences", "numRecentFiles", "11", "5"},
+            {"preferences", "tcpPort", "65535", "65535"},
+            {"preferences", "tcpPort", "65536", "17171"},
+            {"preferences", "tcpPort", "-1", "17171"},
+            {"preferences", "cacheTrailingPct", "0.25", "0.25"},
+            {"preferences", "cacheTrailingPct", "nan", "0.8"},
+            {"preferences", "cacheTrailingPct", R"(@Variant(\0\0\0\x87?@\0\0))", "0.75"},
+            {"preferences", "cacheTrailingPct", R"(@Variant(\0\0\0\x87\x7f\x80\0\0))", "0.8"}, // infinite
+            {"main", "volume", R"(@Variant(\0\0\0\x87\x7f\x80\0\0))", "100"},
+            {"main", "volume", "-7", "-7"},
+            {"main", "muted", "@Rect(1 2 3 4)", "false"},
+            {"timeline", "timelineDisplayType", "2", "2"},
+            {"timeline", "timelineDisplayType", "3", "0"},
+            {"timeline", "rangeTimelineDisplayType", "-1", "-1"},
+            {"timeline", "rangeTimelinePositionAtTop", "false", "false"},
+        };
+        // clang-format on
+        for (const auto& row : rows) {
+            QTest::addRow("%s=%s", row.key, row.stored)
+                << QByteArray(row.group) << QString(row.expected);
+        }
+    }
+
+    void load_takesOrRepairs()
+    {
+        QFETCH(QByteArray, group);
+        QFETCH(QString, expected);
+        const QByteArray line = QTest::currentDataTag();
+        QVERIFY(writeFile(
+            "[file]\nrecentBookmarkFiles=1, 2, 3, 4, 5, 6\n[" + group + "]\n" + line + "\n"));
+        loadSettings();
+        Texts all = defaultTexts();
+        all["recentBookmarkFiles"] = "1|2|3|4|5"; // cut to its length
+        all[line.left(line.indexOf('='))] = expected;
+        QCOMPARE(texts(), all);
+    }
+
+    void save_isReadBackAndReadable()
+    {
+        setEverythingElse();
+        const QByteArray geometry("\x01\xd9\x00\xff,;\"\n%", 9);
+        settings().windowGeometry = geometry;
+        const Texts saved = texts();
+        saveSettings();
+        const QByteArray file = readFile();
+        QVERIFY2(file.contains("\ncacheTrailingPct=0.333\n"), file.constData());
+        QVERIFY(!file.contains("@Variant"));
+        settings() = Settings();
+        loadSettings();
+        QCOMPARE(texts(), saved);
+        QCOMPARE(settings().windowGeometry, geometry);
+    }
+
+    void brokenFile_givesDefaultsAndIsReplaced()
+    {
+        QRandomGenerator random(3);
+        QByteArray noise(100000, Qt::Uninitialized);
+        std::generate(
+            noise.begin(), noise.end(), [&] { return static_cast<char>(random.bounded(256)); });
+        const QByteArray contents[] = { {}, QByteArray(4096, '\0'), noise,
+            "[main]\n=1\nvolume\n[[file\n]x=", "[preferences]\ncacheSize=@Variant(\\0\\0",
+            "[preferences]\ncacheSize=@Variant(\\0\\0\\0\\f\\xff\\xff\\xff\\xfe)\n" };
+        for (const QByteArray& content : contents) {
+            init();
+            QVERIFY(writeFile(content));
+            loadSettings();
+            QCOMPARE(texts(), defaultTexts());
+            settings().volume = 42;
+            saveSettings();
+            loadSettings();
+            QCOMPARE(settings().volume, 42);
+        }
+    }
+
+    void failedWrite_leavesTheOldFile()
+    {
+        saveSettings();
+        const QByteArray before = readFile();
+        QVERIFY(before.size() > 500);
+        setEverythingElse();
+        std::signal(SIGXFSZ, SIG_IGN);
+        rlimit old{};
+        QCOMPARE(getrlimit(RLIMIT_FSIZE, &old), 0);
+        const rlimit tiny{ 100, old.rlim_max };
+        QCOMPARE(setrlimit(RLIMIT_FSIZE, &tiny), 0);
+        saveSettings();
+        QCOMPARE(setrlimit(RLIMIT_FSIZE, &old), 0);
+        QCOMPARE(readFile(), before);
+    }
+
+    void noUserDirectory_givesDefaultsAndWritesNowhere()
+    {
+        QFile obstacle(m_home->filePath(".quillon"));
+        QVERIFY(obstacle.open(QIODevice::WriteOnly));
+        QDir::setCurrent(m_home->path());
+        QCOMPARE(userDirectory() + bookmarksDirectory() + settingsFilePath(), QString());
+        loadSettings();
+        QCOMPARE(texts(), defaultTexts());
+        saveSettings();
+        const auto everything = QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot;
+        QCOMPARE(QDir(m_home->path()).entryList(everything), QStringList({ ".quillon" }));
+    }
+
+private:
+    std::unique_ptr<QTemporaryDir> m_home;
+};
+
+QTEST_GUILESS_MAIN(TestSettings)
+#include "tst_settings.moc"
