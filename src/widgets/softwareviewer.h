@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QPixmap>
+#include <QWidget>
+
+/// The video view: shows one picture as large as the view allows, in its own proportions, centred
+/// on black.
+class SoftwareViewer : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit SoftwareViewer(QWidget* parent = nullptr);
+
+    /// The picture as it was given, null when there is none.
+    [[nodiscard]] QPixmap pixmap() const { return m_pixmap; }
+
+    /// Size in device pixels at which the picture was last drawn; 0 when there is no picture or
+    /// none was drawn yet.
+    [[nodiscard]] int imageWidth() const { return m_scaled.width(); }
+    [[nodiscard]] int imageHeight() const { return m_scaled.height(); }
+
+public Q_SLOTS:
+    void setPixmap(QPixmap pixmap);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    void scaleInto(const QSize& deviceSize, qreal devicePixelRatio);
+
+    QPixmap m_pixmap;
+    QPixmap m_scaled; // m_pixmap in the size of the last paint; scaling costs far more than drawing
+    qint64 m_scaledKey = 0; // which picture m_scaled was made from
+    QSize m_scaledFor; // and for which room, in device pixels
+};
