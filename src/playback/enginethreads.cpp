@@ -14,9 +14,9 @@ namespace {
 constexpr int mostWaitRounds = 100;
 constexpr unsigned long waitRoundMicroseconds = 1000;
 
-// Made once and never destroyed, so that what a thread may still use outlives every other static object.
-template <typename T>
-void keepForever(std::unique_ptr<T> object)
+// Made once and never destroyed, so that what a thread may still use outlives every other static
+// object.
+template <typename T> void keepForever(std::unique_ptr<T> object)
 {
     static auto* const kept = new std::vector<std::unique_ptr<T>>;
     kept->push_back(std::move(object));
@@ -78,11 +78,20 @@ void EngineThreads::startVideo()
     m_objects->videoThread.start();
 }
 
-MediaManager& EngineThreads::media() { return m_objects->media; }
+MediaManager& EngineThreads::media()
+{
+    return m_objects->media;
+}
 
-AudioManager& EngineThreads::audio() { return m_objects->audio; }
+AudioManager& EngineThreads::audio()
+{
+    return m_objects->audio;
+}
 
-VideoManager& EngineThreads::video() { return m_objects->video; }
+VideoManager& EngineThreads::video()
+{
+    return m_objects->video;
+}
 
 void EngineThreads::leaveBehind(std::unique_ptr<MediaSource> source)
 {

@@ -12,8 +12,9 @@ class EngineThreads {
 public:
     EngineThreads();
 
-    /// Ends the threads in the order media, audio, video and waits at most about 0.1 s for them. Where one is still
-    /// in a long call, all three are left as they are, reachable, for the rest of the process.
+    /// Ends the threads in the order media, audio, video and waits at most about 0.1 s for them.
+    /// Where one is still in a long call, all three are left as they are, reachable, for the rest
+    /// of the process.
     ~EngineThreads();
     EngineThreads(const EngineThreads&) = delete;
     EngineThreads& operator=(const EngineThreads&) = delete;
@@ -26,8 +27,8 @@ public:
     AudioManager& audio();
     VideoManager& video();
 
-    /// Tells the engine to let go of `source` at once and keeps the source for the rest of the process: a thread
-    /// may still be using it.
+    /// Tells the engine to let go of `source` at once and keeps the source for the rest of the
+    /// process: a thread may still be using it.
     static void leaveBehind(std::unique_ptr<MediaSource> source);
 
 private:

@@ -20,7 +20,8 @@ int numberOf(const DecodedVideoFrame& frame, double frameRate)
 {
     // A damaged stream can name any time.
     constexpr double limit = std::numeric_limits<int>::max();
-    return static_cast<int>(std::clamp((frame.time + numberGuardSeconds) * frameRate, -limit, limit));
+    return static_cast<int>(
+        std::clamp((frame.time + numberGuardSeconds) * frameRate, -limit, limit));
 }
 
 }
@@ -31,7 +32,10 @@ void FramePresenter::setFlip(bool horizontal, bool vertical)
     m_flipVertical = vertical;
 }
 
-void FramePresenter::setRotation(int degrees) { m_rotation = degrees % fullTurn; }
+void FramePresenter::setRotation(int degrees)
+{
+    m_rotation = degrees % fullTurn;
+}
 
 FramePresenter::Result FramePresenter::show(MediaSource& source, bool refresh, bool moving)
 {

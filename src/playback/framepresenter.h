@@ -3,8 +3,8 @@
 class MediaSource;
 class SoftwareViewer;
 
-/// Takes the picture for the play head out of the cache, mirrors and turns it, and hands it to the viewer: once per
-/// picture, however often it is asked. GUI thread.
+/// Takes the picture for the play head out of the cache, mirrors and turns it, and hands it to the
+/// viewer: once per picture, however often it is asked. GUI thread.
 class FramePresenter {
 public:
     enum class Result {
@@ -19,8 +19,8 @@ public:
     /// Clockwise degrees; kept as the remainder of a division by 360 that keeps the sign.
     void setRotation(int degrees);
 
-    /// Shows the picture for the source's clock. `refresh` paints it even where it is on show already. While
-    /// `moving`, a late picture is better than none.
+    /// Shows the picture for the source's clock. `refresh` paints it even where it is on show
+    /// already. While `moving`, a late picture is better than none.
     Result show(MediaSource& source, bool refresh, bool moving);
 
     /// Shows nothing.

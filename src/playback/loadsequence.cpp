@@ -23,5 +23,6 @@ LoadStep nextLoadStep(const EngineStatus& engine)
         || (engine.audio == AudioManager::Streaming && (pictures || noPictures))) {
         return LoadStep::Complete;
     }
-    return engine.audio == AudioManager::NoAudio && noPictures ? LoadStep::NoStreams : LoadStep::Wait;
+    return engine.audio == AudioManager::NoAudio && noPictures ? LoadStep::NoStreams
+                                                               : LoadStep::Wait;
 }

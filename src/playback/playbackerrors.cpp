@@ -6,10 +6,13 @@
 
 namespace {
 
-QString tr(const char* text) { return QCoreApplication::translate("PlaybackManager", text); }
+QString tr(const char* text)
+{
+    return QCoreApplication::translate("PlaybackManager", text);
+}
 
 // By AudioManager::Error, from InitError on.
-constexpr std::array audioTexts {
+constexpr std::array audioTexts{
     QT_TRANSLATE_NOOP("PlaybackManager", "Failed to initial audio engine: %1"),
     QT_TRANSLATE_NOOP("PlaybackManager", "No audio devices found"),
     QT_TRANSLATE_NOOP("PlaybackManager", "Failed to open audio stream: %1"),
@@ -51,4 +54,7 @@ PlaybackError describe(AudioManager::Error error, const QString& detail)
     return { PlaybackManager::ResourceError, text };
 }
 
-QString audioErrorDetail(int number) { return { QChar(static_cast<ushort>(number & 0xff)) }; }
+QString audioErrorDetail(int number)
+{
+    return { QChar(static_cast<ushort>(number & 0xff)) };
+}

@@ -19,5 +19,6 @@ PlaybackError describe(VideoManager::Error error);
 /// `detail` fills the place of the sound library's error number.
 PlaybackError describe(AudioManager::Error error, const QString& detail);
 
-/// The detail for the sound library's error `number`: one character whose code is the number's low 8 bits.
+/// The detail for the sound library's error `number`: one character whose code is the number's low
+/// 8 bits.
 QString audioErrorDetail(int number);

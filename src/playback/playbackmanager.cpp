@@ -1,12 +1,12 @@
 #include "playbackmanager.h"
 
+#include "acceptedmedia.h"
 #include "mediasource.h"
 #include "playbackerrors.h"
 
 #include <QFileInfo>
 
 #include <algorithm>
-#include <array>
 
 namespace {
 
@@ -15,16 +15,6 @@ constexpr int pictureIntervalMs = 1;
 constexpr double endGuardSeconds = 0.0001; // the play head rests this far before the end
 constexpr double fullVolumePercent = 100.0;
 constexpr int64_t bytesPerPixel = 3;
-
-constexpr std::array acceptedSuffixes { "avi", "flv", "m4v", "mkv", "mov", "mp4", "mpeg", "mpeg4",
-    "mpg", "webm", "wmv" };
-
-bool isAccepted(const QString& suffix)
-{
-    return std::any_of(acceptedSuffixes.begin(), acceptedSuffixes.end(), [&](const char* accepted) {
-        return suffix.compare(QLatin1String(accepted), Qt::CaseInsensitive) == 0;
-    });
-}
 
 int64_t frameBytes(const MediaSource& source)
 {
@@ -35,8 +25,12 @@ int64_t frameBytes(const MediaSource& source)
 
 PlaybackManager::PlaybackManager(QObject* parent)
     : QObject(parent)
-    , m_engineStatus { m_engine.media().status(), m_engine.audio().status(), m_engine.video().status() }
+    , m_engineStatus{ m_engine.media().status(), m_engine.audio().status(),
+        m_engine.video().status() }
 {
+    qRegisterMetaType<PlaybackManager::Error>("PlaybackManager::Error");
+    qRegisterMetaType<PlaybackManager::State>("PlaybackManager::State");
+    qRegisterMetaType<PlaybackManager::Status>("PlaybackManager::Status");
     m_playbackTimer.setTimerType(Qt::PreciseTimer);
     m_playbackTimer.setInterval(playHeadIntervalMs);
     m_pictureTimer.setTimerType(Qt::PreciseTimer);
@@ -109,7 +103,7 @@ bool PlaybackManager::setMedia(QString filename, int64_t cacheSize, float traili
         raise(ResourceError, tr("Invalid filename: %1").arg(filename));
         return false;
     }
-    if (!isAccepted(file.suffix())) {
+    if (!isAcceptedMedia(file.suffix())) {
         if (m_state != Stopped) {
             stop();
         }
@@ -162,7 +156,10 @@ void PlaybackManager::play(double duration)
     setState(Playing);
 }
 
-void PlaybackManager::pause() { haltPlayback(); }
+void PlaybackManager::pause()
+{
+    haltPlayback();
+}
 
 void PlaybackManager::haltPlayback()
 {
@@ -185,7 +182,8 @@ void PlaybackManager::stop()
         m_seekRunning = false;
         m_pendingSeekTime = -1.0;
         m_mediaSource->playing = false;
-        m_mediaSource->abortRequested = true; // first: the engine's loops end while everybody is told
+        m_mediaSource->abortRequested =
+            true; // first: the engine's loops end while everybody is told
         setStatus(Unloading);
         Q_EMIT unloadAudioVideo();
     }
@@ -250,21 +248,31 @@ void PlaybackManager::advancePlayHead(bool pastEndHandled)
 
 void PlaybackManager::updateVideoFrame(bool refresh)
 {
-    if (!m_mediaSource || m_seekRunning) {
+    if (!m_mediaSource || m_status == Loading || m_status == Unloading) {
+        return;
+    }
+    if (m_seekRunning) {
+        if (refresh) {
+            m_presenter.forget(); // what the seek brings is painted in any case
+        }
         return;
     }
     const auto result = m_presenter.show(*m_mediaSource, refresh, m_state == Playing);
-    if (result == FramePresenter::Result::Missing && m_engineStatus.video == VideoManager::EndOfStream) {
+    if (result == FramePresenter::Result::Missing
+        && m_engineStatus.video == VideoManager::EndOfStream) {
         m_presenter.clear();
     }
-    if (result == FramePresenter::Result::Awaited && m_status != Unloading) {
+    if (result == FramePresenter::Result::Awaited) {
         m_pictureTimer.start();
     } else {
         m_pictureTimer.stop();
     }
 }
 
-void PlaybackManager::clearVideoFrame() { m_presenter.clear(); }
+void PlaybackManager::clearVideoFrame()
+{
+    m_presenter.clear();
+}
 
 void PlaybackManager::seek(bool clearCache, double time, double audioScrubDuration)
 {
@@ -296,14 +304,13 @@ void PlaybackManager::seek(bool clearCache, double time, double audioScrubDurati
 
 void PlaybackManager::issueSeek(double time)
 {
-    const unsigned revision = m_revision;
     m_pendingSeekTime = -1.0;
     m_pictureTimer.stop();
     m_seekRunning = true;
     m_mediaSource->seekTime = time;
     m_mediaSource->seekRequested.store(true, std::memory_order_release);
     setStatus(Seeking);
-    if (m_seekRunning && (m_revision == revision || m_status == Seeking)) {
+    if (m_seekRunning) { // unless whoever heard the status has stopped meanwhile
         Q_EMIT seekRequested();
     }
 }
@@ -316,7 +323,10 @@ void PlaybackManager::requestAudioSlice()
     source.scrubRequested.store(true, std::memory_order_release);
 }
 
-void PlaybackManager::rebaseClock() { m_mediaSource->resetClock(m_mediaSource->clockTime(true)); }
+void PlaybackManager::rebaseClock()
+{
+    m_mediaSource->resetClock(m_mediaSource->clockTime(true));
+}
 
 void PlaybackManager::onMediaStatusUpdate(MediaManager::Status status)
 {
@@ -448,7 +458,7 @@ void PlaybackManager::finishUnload()
 {
     ++m_revision;
     m_mediaSource.reset();
-    m_engineStatus.media = MediaManager::Status {};
+    m_engineStatus.media = MediaManager::Status{};
     m_engineStatus.audio = AudioManager::Idle;
     setStatus(NoMedia);
     if (m_status != NoMedia) {
@@ -481,8 +491,8 @@ void PlaybackManager::onMediaError(MediaManager::Error mediaError)
 
 void PlaybackManager::onAudioError(AudioManager::Error audioError)
 {
-    const QString detail
-        = m_mediaSource ? audioErrorDetail(m_mediaSource->audioErrorCode.exchange(0)) : QString();
+    const QString detail =
+        m_mediaSource ? audioErrorDetail(m_mediaSource->audioErrorCode.exchange(0)) : QString();
     const PlaybackError described = describe(audioError, detail);
     raise(described.code, described.text);
 }
@@ -518,11 +528,6 @@ void PlaybackManager::raise(Error code, const QString& text)
     m_error = NoError;
 }
 
-QString PlaybackManager::mediaFilename() const
-{
-    return m_mediaSource ? m_mediaSource->filename : QString();
-}
-
 double PlaybackManager::playbackTime()
 {
     if (!m_mediaSource) {
@@ -534,23 +539,11 @@ double PlaybackManager::playbackTime()
     return m_mediaSource->clockTime(true);
 }
 
-double PlaybackManager::duration() const { return m_mediaSource ? m_mediaSource->duration() : 0.0; }
-
 int64_t PlaybackManager::durationMs() const
 {
     constexpr double msPerSecond = 1000.0;
     return static_cast<int64_t>(duration() * msPerSecond);
 }
-
-double PlaybackManager::frameRate() const { return m_mediaSource ? m_mediaSource->rate() : 0.0; }
-
-double PlaybackManager::frameDuration() const { return m_mediaSource ? 1.0 / m_mediaSource->rate() : 0.0; }
-
-int PlaybackManager::videoWidth() const { return m_mediaSource ? m_mediaSource->videoWidth() : -1; }
-
-int PlaybackManager::videoHeight() const { return m_mediaSource ? m_mediaSource->videoHeight() : -1; }
-
-bool PlaybackManager::hasAudio() const { return m_engineStatus.audio > AudioManager::NoAudio; }
 
 double PlaybackManager::speedMultiplier() const
 {
@@ -583,7 +576,7 @@ void PlaybackManager::setCacheSize(int64_t bytes, float trailingPct)
     m_trailingCachePct = trailingPct;
     if (m_mediaSource && m_mediaSource->opened) {
         m_mediaSource->videoFrames.setCacheSize(bytes, frameBytes(*m_mediaSource), trailingPct);
-        seek(false, m_mediaSource->clockTime(false), 0.0);
+        seek(false, playbackTime(), 0.0);
     }
 }
 
@@ -597,36 +590,4 @@ void PlaybackManager::setRotation(int degrees)
 {
     m_presenter.setRotation(degrees);
     updateVideoFrame(true);
-}
-
-void PlaybackManager::setViewer(SoftwareViewer* viewer) { m_presenter.setViewer(viewer); }
-
-int PlaybackManager::cachedFrameCount() const
-{
-    return m_mediaSource ? m_mediaSource->videoFrames.frameCount() : 0;
-}
-
-int64_t PlaybackManager::videoCacheBytes() const
-{
-    return m_mediaSource ? m_mediaSource->videoFrames.byteCount() : 0;
-}
-
-int PlaybackManager::audioFrameCount() const
-{
-    return m_mediaSource ? m_mediaSource->audioFrames.frameCount() : 0;
-}
-
-int PlaybackManager::audioBufferSamples() const
-{
-    return m_mediaSource ? m_mediaSource->audioFrames.totalValues() : 0;
-}
-
-double PlaybackManager::cacheStartTime() const
-{
-    return m_mediaSource ? m_mediaSource->cachedStartTime() : 0.0;
-}
-
-double PlaybackManager::cacheEndTime() const
-{
-    return m_mediaSource ? m_mediaSource->cachedEndTime() : 0.0;
 }

@@ -3,6 +3,7 @@
 #include "enginethreads.h"
 #include "framepresenter.h"
 #include "loadsequence.h"
+#include "mediasource.h"
 
 #include <QObject>
 #include <QString>
@@ -11,11 +12,11 @@
 #include <cstdint>
 #include <memory>
 
-class MediaSource;
 class SoftwareViewer;
 
-/// Playback of one file: owns the engine and the open file, runs the play head, shows the frame under it, and turns
-/// the engine's statuses and errors into its own. GUI thread; the engine answers by queued signals.
+/// Playback of one file: owns the engine and the open file, runs the play head, shows the frame
+/// under it, and turns the engine's statuses and errors into its own. GUI thread; the engine
+/// answers by queued signals.
 class PlaybackManager : public QObject {
     Q_OBJECT
 
@@ -42,23 +43,42 @@ public:
     explicit PlaybackManager(QObject* parent = nullptr);
     ~PlaybackManager() override;
 
-    /// Moves the play head to `time` seconds; a negative time counts as 0. Playing pauses. Inside the cache the
-    /// frame is shown at once, unless `clearCache`; else the demuxer seeks, and while it does only the newest target
-    /// is kept. `audioScrubDuration` seconds of sound are played at the new position. Nothing happens while stopped.
+    /// Moves the play head to `time` seconds; a negative time counts as 0. Playing pauses. Inside
+    /// the cache the frame is shown at once, unless `clearCache`; else the demuxer seeks, and while
+    /// it does only the newest target is kept. `audioScrubDuration` seconds of sound are played at
+    /// the new position. Nothing happens while stopped.
     void seek(bool clearCache, double time, double audioScrubDuration);
 
     [[nodiscard]] State state() const { return m_state; }
     [[nodiscard]] Status status() const { return m_status; }
-    [[nodiscard]] QString mediaFilename() const;
+    [[nodiscard]] QString mediaFilename() const
+    {
+        return m_mediaSource ? m_mediaSource->filename : QString();
+    }
     /// Seconds; while a seek runs its newest target, so that steps add up. 0.0 without media.
     [[nodiscard]] double playbackTime();
-    [[nodiscard]] double duration() const; // seconds, 0.0 without media
+    /// Seconds, 0.0 without media.
+    [[nodiscard]] double duration() const
+    {
+        return m_mediaSource ? m_mediaSource->duration() : 0.0;
+    }
     [[nodiscard]] int64_t durationMs() const;
-    [[nodiscard]] double frameRate() const; // frames per second, 0.0 without media
-    [[nodiscard]] double frameDuration() const; // seconds, 0.0 without media
-    [[nodiscard]] int videoWidth() const; // pixels, -1 without media
-    [[nodiscard]] int videoHeight() const;
-    [[nodiscard]] bool hasAudio() const;
+    /// Frames per second, and seconds per frame; 0.0 without media.
+    [[nodiscard]] double frameRate() const { return m_mediaSource ? m_mediaSource->rate() : 0.0; }
+    [[nodiscard]] double frameDuration() const
+    {
+        return m_mediaSource ? 1.0 / m_mediaSource->rate() : 0.0;
+    }
+    /// Pixels, -1 without media.
+    [[nodiscard]] int videoWidth() const
+    {
+        return m_mediaSource ? m_mediaSource->videoWidth() : -1;
+    }
+    [[nodiscard]] int videoHeight() const
+    {
+        return m_mediaSource ? m_mediaSource->videoHeight() : -1;
+    }
+    [[nodiscard]] bool hasAudio() const { return m_engineStatus.audio > AudioManager::NoAudio; }
     [[nodiscard]] double speedMultiplier() const; // 1.0 without media
     void setSpeedMultiplier(double multiplier);
     [[nodiscard]] int volume() const { return m_volume; } // percent
@@ -67,15 +87,34 @@ public:
     void setFlip(bool horizontal, bool vertical);
     void setRotation(int degrees);
     [[nodiscard]] int rotation() const { return m_presenter.rotation(); }
-    void setViewer(SoftwareViewer* viewer);
+    void setViewer(SoftwareViewer* viewer) { m_presenter.setViewer(viewer); }
 
     // What the caches hold, for display; 0 without media.
-    [[nodiscard]] int cachedFrameCount() const;
-    [[nodiscard]] int64_t videoCacheBytes() const;
-    [[nodiscard]] int audioFrameCount() const;
-    [[nodiscard]] int audioBufferSamples() const;
-    [[nodiscard]] double cacheStartTime() const; // seconds
-    [[nodiscard]] double cacheEndTime() const; // seconds
+    [[nodiscard]] int cachedFrameCount() const
+    {
+        return m_mediaSource ? m_mediaSource->videoFrames.frameCount() : 0;
+    }
+    [[nodiscard]] int64_t videoCacheBytes() const
+    {
+        return m_mediaSource ? m_mediaSource->videoFrames.byteCount() : 0;
+    }
+    [[nodiscard]] int audioFrameCount() const
+    {
+        return m_mediaSource ? m_mediaSource->audioFrames.frameCount() : 0;
+    }
+    [[nodiscard]] int audioBufferSamples() const
+    {
+        return m_mediaSource ? m_mediaSource->audioFrames.totalValues() : 0;
+    }
+    /// Seconds.
+    [[nodiscard]] double cacheStartTime() const
+    {
+        return m_mediaSource ? m_mediaSource->cachedStartTime() : 0.0;
+    }
+    [[nodiscard]] double cacheEndTime() const
+    {
+        return m_mediaSource ? m_mediaSource->cachedEndTime() : 0.0;
+    }
 
 Q_SIGNALS:
     void error(PlaybackManager::Error err, QString errorStr);
@@ -89,10 +128,12 @@ Q_SIGNALS:
     void playbackTimeChanged(double playbackTime);
 
 public Q_SLOTS:
-    /// Opens a file, after letting go of the one that is open; the last name asked for wins. False, with an error
-    /// raised, where the name's extension is not a video's. Cache size in bytes, trailing share from 0 to 1.
+    /// Opens a file, after letting go of the one that is open; the last name asked for wins. False,
+    /// with an error raised, where the name's extension is not a video's. Cache size in bytes,
+    /// trailing share from 0 to 1.
     bool setMedia(QString filename, int64_t cacheSize, float trailingCachePct);
-    /// Starts from the play head while Ready. It pauses by itself only where `duration` is above 0 and already passed.
+    /// Starts from the play head while Ready. It pauses by itself only where `duration` is above 0
+    /// and already passed.
     void play(double duration);
     void play() { play(-1.0); }
     void pause();
@@ -158,6 +199,7 @@ private:
     double m_audioScrubDuration = 0.0; // seconds
     int m_volume = 100; // percent
     Unload m_unload;
-    // Grows with every positioning, stop and new file: what goes on after an emission checks that it is unchanged.
+    // Grows with every positioning, stop and new file: what goes on after an emission checks that
+    // it is unchanged.
     unsigned m_revision = 0;
 };

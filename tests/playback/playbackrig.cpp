@@ -11,23 +11,37 @@ constexpr int64_t cacheBytes = 256000000;
 constexpr float trailingShare = 0.8F;
 }
 
-PlaybackRig::PlaybackRig() { manager.setViewer(&viewer); }
+PlaybackRig::PlaybackRig()
+{
+    manager.setViewer(&viewer);
+}
 
 bool PlaybackRig::open(const QString& path)
 {
     return manager.setMedia(path, cacheBytes, trailingShare)
         && QTest::qWaitFor(
-            [&] { return manager.mediaFilename() == path && manager.status() == PlaybackManager::Ready; },
+            [&] {
+                return manager.mediaFilename() == path
+                    && manager.status() == PlaybackManager::Ready;
+            },
             patienceMs);
 }
 
-void PlaybackRig::goTo(int frame, bool clearCache) { manager.seek(clearCache, timeOf(frame), 0.0); }
+void PlaybackRig::goTo(int frame, bool clearCache)
+{
+    manager.seek(clearCache, timeOf(frame), 0.0);
+}
 
-int PlaybackRig::shown() const { return framecode::read(viewer.pixmap().toImage()); }
+int PlaybackRig::shown() const
+{
+    return framecode::read(viewer.pixmap().toImage());
+}
 
 int PlaybackRig::settledOn(int frame)
 {
-    const auto settled = [&] { return manager.status() == PlaybackManager::Ready && shown() == frame; };
+    const auto settled = [&] {
+        return manager.status() == PlaybackManager::Ready && shown() == frame;
+    };
     return QTest::qWaitFor(settled, patienceMs) ? frame : shown();
 }
 
@@ -46,4 +60,7 @@ int PlaybackRig::lastFrame() const
     return static_cast<int>(manager.duration() * manager.frameRate() + 1.0);
 }
 
-double PlaybackRig::timeOf(int frame) const { return (frame - 1) * manager.frameDuration() + 0.0001; }
+double PlaybackRig::timeOf(int frame) const
+{
+    return (frame - 1) * manager.frameDuration() + 0.0001;
+}

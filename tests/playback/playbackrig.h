@@ -5,7 +5,8 @@
 
 #include <QString>
 
-/// A playback manager with a view, driven the way the window drives it. Pictures are asked which frame they are.
+/// A playback manager with a view, driven the way the window drives it. Pictures are asked which
+/// frame they are.
 class PlaybackRig {
 public:
     PlaybackRig();
@@ -19,7 +20,8 @@ public:
     /// The frame on show, -1 where the view shows none.
     [[nodiscard]] int shown() const;
 
-    /// Waits until the manager is ready and shows `frame`; the frame on show at the end, whatever it is.
+    /// Waits until the manager is ready and shows `frame`; the frame on show at the end, whatever
+    /// it is.
     int settledOn(int frame);
 
     bool waitFor(PlaybackManager::Status status);

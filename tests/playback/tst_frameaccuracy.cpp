@@ -47,7 +47,7 @@ void TestFrameAccuracy::anywhere()
     QVERIFY(rig.open(clip(name).path));
     const int count = clip(name).frameCount;
     QRandomGenerator random(20);
-    QVector<int> targets { 1, 2, count - 1, count, 1 };
+    QVector<int> targets{ 1, 2, count - 1, count, 1 };
     while (targets.size() < 25) {
         targets.append(random.bounded(1, count + 1));
     }
