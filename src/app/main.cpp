@@ -21,7 +21,8 @@ int frameArgument(const QStringList& arguments, int index)
 
 Arguments parse(const QStringList& arguments)
 {
-    Arguments parsed { arguments.value(1), frameArgument(arguments, 2), frameArgument(arguments, 3) };
+    Arguments parsed{ arguments.value(1), frameArgument(arguments, 2),
+        frameArgument(arguments, 3) };
     // A path with spaces may have arrived in pieces.
     if (!parsed.filename.isEmpty() && !QFileInfo::exists(parsed.filename)) {
         parsed.filename = arguments.mid(1).join(QLatin1Char(' '));

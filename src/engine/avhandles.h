@@ -9,7 +9,8 @@ struct AVPacket;
 struct SwrContext;
 struct SwsContext;
 
-/// Frees what the media libraries hand out; one overload per type. The only place where their free calls stand.
+/// Frees what the media libraries hand out; one overload per type. The only place where their free
+/// calls stand.
 struct AvFree {
     void operator()(AVCodecContext* context) const;
     void operator()(AVFormatContext* context) const;

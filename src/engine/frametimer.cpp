@@ -4,7 +4,8 @@
 #include <cmath>
 
 namespace {
-constexpr double gridTolerance = 0.001; // seconds; twice the error of a stamp rounded to milliseconds
+constexpr double gridTolerance =
+    0.001; // seconds; twice the error of a stamp rounded to milliseconds
 constexpr double gridToleranceShare = 0.25; // of a frame, for rates at which a millisecond is much
 }
 
@@ -27,7 +28,8 @@ double FrameTimer::timeOf(const Picture& picture)
     if (raw == 0.0) {
         const bool nothingKnown = m_predictedTime == 0.0 && !m_decodeTimeMet;
         if (nothingKnown && picture.ownTime != noTime) {
-            // The last group of pictures can be shorter than the reorder delay: no decode time is ever met.
+            // The last group of pictures can be shorter than the reorder delay: no decode time is
+            // ever met.
             raw = static_cast<double>(picture.ownTime) * m_stream.timeBase;
         } else {
             raw = m_predictedTime;
@@ -54,8 +56,9 @@ double FrameTimer::rawTime(const Picture& picture) const
     return static_cast<double>(ticks) * m_stream.timeBase;
 }
 
-// Packets before the one that released a picture have released none; each of them says when the next picture was
-// expected. A picture of the final drain, released by no packet, comes after all of them.
+// Packets before the one that released a picture have released none; each of them says when the
+// next picture was expected. A picture of the final drain, released by no packet, comes after all
+// of them.
 void FrameTimer::skipPacketsUpTo(int64_t decodeTime)
 {
     const int64_t key = m_stream.ignoresDecodeTimes ? noTime : decodeTime;

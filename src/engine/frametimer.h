@@ -3,14 +3,17 @@
 #include <cstdint>
 #include <deque>
 
-/// Gives every decoded picture its presentation time. Pictures leave the decoder in the order in which they are
-/// shown, and each takes the decode time of the packet that released it; a picture released without one comes one
-/// frame after the picture before. The result is the same however many threads decode.
+/// Gives every decoded picture its presentation time. Pictures leave the decoder in the order in
+/// which they are shown, and each takes the decode time of the packet that released it; a picture
+/// released without one comes one frame after the picture before. The result is the same however
+/// many threads decode.
 ///
-/// Times are in seconds on the playback clock's scale: the first picture of a file that starts late is at 0.
+/// Times are in seconds on the playback clock's scale: the first picture of a file that starts late
+/// is at 0.
 class FrameTimer {
 public:
-    static constexpr int64_t noTime = INT64_MIN; // the media library's mark for a missing time stamp
+    static constexpr int64_t noTime =
+        INT64_MIN; // the media library's mark for a missing time stamp
 
     struct Stream {
         double timeBase = 0.0; // seconds per tick
@@ -34,8 +37,8 @@ public:
     /// A picture came out.
     double timeOf(const Picture& picture);
 
-    /// True when the last picture's time only follows from what came before it. Right after a flush that is not
-    /// much: packets that the decoder dropped may lie between.
+    /// True when the last picture's time only follows from what came before it. Right after a flush
+    /// that is not much: packets that the decoder dropped may lie between.
     [[nodiscard]] bool wasGuessed() const { return m_guessed; }
 
     /// The decoder was flushed after a seek.
@@ -44,8 +47,9 @@ public:
     /// False until a picture has fixed where the file starts.
     [[nodiscard]] bool hasStart() const { return m_firstTimeSeen; }
 
-    /// The multiple of the frame duration that `seconds` stands for: containers with millisecond stamps write a
-    /// frame up to 0.5 ms beside its exact start. Times off the grid stay as they are.
+    /// The multiple of the frame duration that `seconds` stands for: containers with millisecond
+    /// stamps write a frame up to 0.5 ms beside its exact start. Times off the grid stay as they
+    /// are.
     static double onGrid(double seconds, double frameDuration);
 
 private:

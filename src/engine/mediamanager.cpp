@@ -13,7 +13,8 @@ extern "C" {
 namespace {
 
 constexpr int readAhead = 100; // packets queued before a load or a seek is reported
-constexpr int mostPacketsToLanding = 2000; // a stream that yields no picture for so long is not waited for
+constexpr int mostPacketsToLanding =
+    2000; // a stream that yields no picture for so long is not waited for
 constexpr int mostIdleRounds = 250; // of landingPauseMs, with nothing left to decode
 constexpr double firstRetreat = 0.5; // seconds before the target; doubled with every further try
 constexpr unsigned long landingPauseMs = 1;
@@ -29,7 +30,10 @@ MediaManager::MediaManager(QObject* parent)
     qRegisterMetaType<MediaSource*>("MediaSource*");
 }
 
-MediaManager::~MediaManager() { letGo(); }
+MediaManager::~MediaManager()
+{
+    letGo();
+}
 
 void MediaManager::load(MediaSource* mediaSrc)
 {
@@ -49,7 +53,8 @@ void MediaManager::load(MediaSource* mediaSrc)
         raise(OpenError);
         return;
     }
-    static_cast<void>(m_reader->readPackets(readAhead)); // an end or an error met here is met again by read()
+    static_cast<void>(
+        m_reader->readPackets(readAhead)); // an end or an error met here is met again by read()
     if (!mediaSrc->abortRequested) {
         setStatus(Loaded);
         read();
@@ -100,7 +105,8 @@ void MediaManager::seek()
         return;
     }
     if (m_mediaSrc->seekRequested.load(std::memory_order_acquire)) {
-        // One copy for the file and the clock: whatever is asked for meanwhile belongs to the next seek.
+        // One copy for the file and the clock: whatever is asked for meanwhile belongs to the next
+        // seek.
         runSeek(m_mediaSrc->seekTime.load(std::memory_order_relaxed));
     }
     read();
@@ -124,8 +130,8 @@ void MediaManager::runSeek(double target)
     }
 }
 
-// Goes back in ever larger steps until the first picture is at or before the target. The first picture of the file
-// is taken wherever it starts.
+// Goes back in ever larger steps until the first picture is at or before the target. The first
+// picture of the file is taken wherever it starts.
 void MediaManager::retreat(double target)
 {
     double back = firstRetreat;
@@ -183,7 +189,8 @@ SeekLanding::Verdict MediaManager::awaitLanding()
     return source.landing.verdict();
 }
 
-// The decoder may need more than the first packets to yield a picture. False where nothing more can be read now.
+// The decoder may need more than the first packets to yield a picture. False where nothing more can
+// be read now.
 bool MediaManager::readWhileWaiting()
 {
     if (m_endMarked || m_mediaSrc->readFailed || !m_reader->hasRoom()) {

@@ -9,8 +9,9 @@
 class MediaReader;
 class MediaSource;
 
-/// Demuxes the open file, in a thread of its own. Its slots run there, one at a time; load() and seek() return only
-/// when reading stops: at the end of the file, on an error, a seek request or an abort.
+/// Demuxes the open file, in a thread of its own. Its slots run there, one at a time; load() and
+/// seek() return only when reading stops: at the end of the file, on an error, a seek request or an
+/// abort.
 class MediaManager : public QObject {
     Q_OBJECT
 

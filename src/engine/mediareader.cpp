@@ -30,10 +30,14 @@ constexpr int64_t endGuardMicroseconds = 10;
 
 int isAborted(void* source)
 {
-    return static_cast<MediaSource*>(source)->abortRequested.load(std::memory_order_relaxed) ? 1 : 0;
+    return static_cast<MediaSource*>(source)->abortRequested.load(std::memory_order_relaxed) ? 1
+                                                                                             : 0;
 }
 
-bool isCover(const AVStream& stream) { return (stream.disposition & AV_DISPOSITION_ATTACHED_PIC) != 0; }
+bool isCover(const AVStream& stream)
+{
+    return (stream.disposition & AV_DISPOSITION_ATTACHED_PIC) != 0;
+}
 
 double ratio(AVRational value)
 {
@@ -122,7 +126,8 @@ int MediaReader::openInput()
         return AVERROR(ENOMEM);
     }
     context->interrupt_callback = { isAborted, m_source };
-    // The name is a file's even where it looks like an address, and a playlist inside it reaches no network.
+    // The name is a file's even where it looks like an address, and a playlist inside it reaches no
+    // network.
     AVDictionary* options = nullptr;
     av_dict_set(&options, "protocol_whitelist", "file", 0);
     int result = avformat_open_input(&context, ("file:" + path).c_str(), nullptr, &options);
@@ -146,7 +151,8 @@ int MediaReader::openStreams()
         const bool wanted = (type == AVMEDIA_TYPE_AUDIO && m_source->audioStreamIndex < 0)
             || (type == AVMEDIA_TYPE_VIDEO && m_source->videoStreamIndex < 0 && !isCover(stream));
         if (wanted) {
-            static_cast<void>(openStream(i)); // a stream that fails is skipped for the next of its kind
+            static_cast<void>(
+                openStream(i)); // a stream that fails is skipped for the next of its kind
         }
     }
     for (int i = 0; i < streams && m_source->videoStreamIndex < 0; ++i) {
@@ -255,7 +261,8 @@ int MediaReader::describeDuration()
 
 int MediaReader::scanDuration(double& seconds)
 {
-    const AVStream& stream = m_source->videoStream ? *m_source->videoStream : *m_source->audioStream;
+    const AVStream& stream =
+        m_source->videoStream ? *m_source->videoStream : *m_source->audioStream;
     const double unit = ratio(stream.time_base);
     double first = std::numeric_limits<double>::infinity();
     double end = -first;
@@ -264,8 +271,9 @@ int MediaReader::scanDuration(double& seconds)
         const int64_t time = packet->pts != AV_NOPTS_VALUE ? packet->pts : packet->dts;
         if (packet->stream_index == stream.index && time != AV_NOPTS_VALUE) {
             const double start = static_cast<double>(time) * unit;
-            const double length = packet->duration > 0 ? static_cast<double>(packet->duration) * unit
-                                                       : 1.0 / m_source->frameRate;
+            const double length = packet->duration > 0
+                ? static_cast<double>(packet->duration) * unit
+                : 1.0 / m_source->frameRate;
             first = std::min(first, start);
             end = std::max(end, start + length);
         }
@@ -341,7 +349,8 @@ bool MediaReader::hasRoom() const
 int MediaReader::seek(double seconds)
 {
     AVFormatContext* context = m_source->formatContext.get();
-    constexpr double latest = static_cast<double>(std::numeric_limits<int64_t>::max() / 2) / AV_TIME_BASE;
+    constexpr double latest =
+        static_cast<double>(std::numeric_limits<int64_t>::max() / 2) / AV_TIME_BASE;
     const auto target = static_cast<int64_t>(std::clamp(seconds, 0.0, latest) * AV_TIME_BASE);
     int result;
     if (target != 0) {

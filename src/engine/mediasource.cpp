@@ -34,11 +34,20 @@ double MediaSource::duration() const
     return opened.load(std::memory_order_acquire) ? playableDuration : 0.0;
 }
 
-double MediaSource::rate() const { return opened.load(std::memory_order_acquire) ? frameRate : -1.0; }
+double MediaSource::rate() const
+{
+    return opened.load(std::memory_order_acquire) ? frameRate : -1.0;
+}
 
-int MediaSource::videoWidth() const { return opened.load(std::memory_order_acquire) ? width : -1; }
+int MediaSource::videoWidth() const
+{
+    return opened.load(std::memory_order_acquire) ? width : -1;
+}
 
-int MediaSource::videoHeight() const { return opened.load(std::memory_order_acquire) ? height : -1; }
+int MediaSource::videoHeight() const
+{
+    return opened.load(std::memory_order_acquire) ? height : -1;
+}
 
 double MediaSource::soundReferenceTime()
 {

@@ -15,12 +15,14 @@
 
 struct AVStream;
 
-/// The opened media file: format context, chosen streams and their properties, packet queues, frame buffers, the
-/// request fields by which the threads talk to each other, and the playback clock. Made and deleted by the playback
-/// manager, shared by pointer with the demuxer, the decoders and the sound callback.
+/// The opened media file: format context, chosen streams and their properties, packet queues, frame
+/// buffers, the request fields by which the threads talk to each other, and the playback clock.
+/// Made and deleted by the playback manager, shared by pointer with the demuxer, the decoders and
+/// the sound callback.
 ///
-/// Three kinds of fields: atomics (who writes and reads them stands beside each), members that lock themselves, and
-/// plain properties, which the demuxer writes while it opens the file and which are valid once `opened` is set.
+/// Three kinds of fields: atomics (who writes and reads them stands beside each), members that lock
+/// themselves, and plain properties, which the demuxer writes while it opens the file and which are
+/// valid once `opened` is set.
 class MediaSource {
 public:
     static constexpr int scratchSamples = 100000; // int16 values
@@ -45,8 +47,8 @@ public:
     [[nodiscard]] double cachedStartTime() const { return videoFrames.startTime(); }
     [[nodiscard]] double cachedEndTime() const { return videoFrames.endTime(); }
 
-    /// Any thread. Seconds up to which sound blocks may be dropped: the start of the cached pictures, or the clock
-    /// where there is no video.
+    /// Any thread. Seconds up to which sound blocks may be dropped: the start of the cached
+    /// pictures, or the clock where there is no video.
     double soundReferenceTime();
 
     // The file. Demuxer's thread, until `opened`; then read only, until close.
@@ -68,35 +70,44 @@ public:
     int width = -1; // pixels
     int height = -1; // pixels
     double frameRate = -1.0; // frames per second; 25 where the file names none
-    double videoDelay = 0.0; // seconds; 0, as pictures carry the time of the packet that released them
+    double videoDelay =
+        0.0; // seconds; 0, as pictures carry the time of the packet that released them
     double playableDuration = 0.0; // seconds; what duration() gives
     double containerDuration = 0.0; // seconds; where the stream's last picture is taken to end
-    std::atomic<bool> opened { false }; // demuxer sets (release) when the properties above stand
+    std::atomic<bool> opened{ false }; // demuxer sets (release) when the properties above stand
 
     // Requests. Written by the GUI thread but where a comment says otherwise.
-    std::atomic<bool> playing { false }; // the clock advances only while true
-    std::atomic<bool> seekRequested { false }; // release: publishes seekTime; cleared by the demuxer
-    std::atomic<double> seekTime { 0.0 }; // seconds
-    std::atomic<double> playUntil { noPlayLimit }; // seconds; playing pauses by itself there
-    std::atomic<bool> abortRequested { false }; // every engine loop ends
-    std::atomic<double> volume { 1.0 }; // output gain
-    std::atomic<bool> audioResyncRequested { false }; // cleared by the sound callback
-    std::atomic<bool> scrubRequested { false }; // release; cleared by the sound callback at the slice's end
-    std::atomic<bool> scrubForward { true };
-    std::atomic<int32_t> scrubSampleCount { 0 }; // sample frames; set to 0 by the callback at the slice's end
+    std::atomic<bool> playing{ false }; // the clock advances only while true
+    std::atomic<bool> seekRequested{ false }; // release: publishes seekTime; cleared by the demuxer
+    std::atomic<double> seekTime{ 0.0 }; // seconds
+    std::atomic<double> playUntil{ noPlayLimit }; // seconds; playing pauses by itself there
+    std::atomic<bool> abortRequested{ false }; // every engine loop ends
+    std::atomic<double> volume{ 1.0 }; // output gain
+    std::atomic<bool> audioResyncRequested{ false }; // cleared by the sound callback
+    std::atomic<bool> scrubRequested{
+        false
+    }; // release; cleared by the sound callback at the slice's end
+    std::atomic<bool> scrubForward{ true };
+    std::atomic<int32_t> scrubSampleCount{
+        0
+    }; // sample frames; set to 0 by the callback at the slice's end
 
     // Sound output. The scratch array and the two fields after it belong to the sound callback.
     const std::unique_ptr<int16_t[]> audioScratch;
     int32_t scrubPosition = 0; // sample frames played of the slice
     bool scrubBufferStale = true; // the slice must be filled before it is played
     int32_t outputChannels = 2; // audio thread, before the stream starts
-    std::atomic<int32_t> audioErrorCode { 0 }; // audio thread writes, GUI thread reads and clears
+    std::atomic<int32_t> audioErrorCode{ 0 }; // audio thread writes, GUI thread reads and clears
 
     // Decoders to demuxer.
-    std::atomic<bool> soundUnused { false }; // audio thread sets: nobody takes sound packets, free them
-    std::atomic<bool> videoUnused { false }; // video thread sets: nobody takes picture packets
-    std::atomic<bool> videoDecoding { false }; // video thread sets: a decoder takes picture packets
-    std::atomic<bool> readFailed { false }; // demuxer sets: reading broke off, no end marker will come
+    std::atomic<bool> soundUnused{
+        false
+    }; // audio thread sets: nobody takes sound packets, free them
+    std::atomic<bool> videoUnused{ false }; // video thread sets: nobody takes picture packets
+    std::atomic<bool> videoDecoding{ false }; // video thread sets: a decoder takes picture packets
+    std::atomic<bool> readFailed{
+        false
+    }; // demuxer sets: reading broke off, no end marker will come
     SeekLanding landing; // demuxer asks, video thread answers
 
     PlaybackClock clock;

@@ -14,7 +14,10 @@ constexpr int freeSlotWaitMs = 1;
 constexpr unsigned long refusedPauseMs = 1; // paces the producer's retries
 constexpr unsigned long emptyPauseMs = 1; // paces the consumer's polling
 
-bool isMarker(const AVPacket& packet) { return packet.size < 0; }
+bool isMarker(const AVPacket& packet)
+{
+    return packet.size < 0;
+}
 
 AvPtr<AVPacket> makeMarker(int size, int64_t serial = 0)
 {
@@ -28,9 +31,15 @@ AvPtr<AVPacket> makeMarker(int size, int64_t serial = 0)
 
 } // namespace
 
-PacketQueue::PacketQueue() { m_freeSlots.release(capacity); }
+PacketQueue::PacketQueue()
+{
+    m_freeSlots.release(capacity);
+}
 
-PacketQueue::~PacketQueue() { clear(); }
+PacketQueue::~PacketQueue()
+{
+    clear();
+}
 
 bool PacketQueue::put(AvPtr<AVPacket>& packet)
 {
@@ -46,7 +55,8 @@ bool PacketQueue::put(AvPtr<AVPacket>& packet)
     if (append(packet)) {
         return true;
     }
-    // Under the lock on purpose: the consumer cannot take a packet in this millisecond, which paces the producer.
+    // Under the lock on purpose: the consumer cannot take a packet in this millisecond, which paces
+    // the producer.
     QThread::msleep(refusedPauseMs);
     return false;
 }

@@ -7,8 +7,8 @@ extern "C" {
 #include <cstring>
 
 namespace {
-// Process-wide and never written: every picture is tagged "no time", so the time of a picture without a decode time
-// comes from the picture before it.
+// Process-wide and never written: every picture is tagged "no time", so the time of a picture
+// without a decode time comes from the picture before it.
 const int64_t currentPacketPts = AV_NOPTS_VALUE;
 }
 

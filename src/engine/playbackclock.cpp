@@ -38,8 +38,8 @@ void PlaybackClock::reset(double seconds)
     const double start = seconds >= 0.0 ? seconds : 0.0;
     const double rate = speed.load(std::memory_order_relaxed);
     const Spin spin(m_busy);
-    m_previousStamp = static_cast<int64_t>(
-        static_cast<double>(m_now()) - start * microsecondsPerSecond / rate);
+    m_previousStamp =
+        static_cast<int64_t>(static_cast<double>(m_now()) - start * microsecondsPerSecond / rate);
     m_stamp = m_now();
     m_time = static_cast<double>(m_stamp - m_previousStamp) / microsecondsPerSecond * rate;
 }

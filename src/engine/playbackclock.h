@@ -3,10 +3,11 @@
 #include <atomic>
 #include <cstdint>
 
-/// The playback clock: media time in seconds that advances with wall time multiplied by `speed`. It moves only when
-/// somebody calls update(). Any thread, the sound callback included: the three fields change as one behind a spin
-/// of a few instructions, so a reader sees the clock before a change or after it, never between, and an update that
-/// meets a reset is measured wholly before or wholly after it.
+/// The playback clock: media time in seconds that advances with wall time multiplied by `speed`. It
+/// moves only when somebody calls update(). Any thread, the sound callback included: the three
+/// fields change as one behind a spin of a few instructions, so a reader sees the clock before a
+/// change or after it, never between, and an update that meets a reset is measured wholly before or
+/// wholly after it.
 class PlaybackClock {
 public:
     using Now = int64_t (*)(); // microseconds on a clock that never steps back
@@ -14,7 +15,8 @@ public:
     PlaybackClock();
     explicit PlaybackClock(Now now);
 
-    /// Makes the clock read `seconds` now, plus the microseconds of the call; a negative time counts as 0.
+    /// Makes the clock read `seconds` now, plus the microseconds of the call; a negative time
+    /// counts as 0.
     void reset(double seconds);
 
     /// Adds the wall time since the last reset or update; returns it in microseconds.
@@ -26,7 +28,7 @@ public:
     [[nodiscard]] double time() const;
 
     /// Media seconds per wall second. Written by the GUI thread, read by all.
-    std::atomic<double> speed { 1.0 };
+    std::atomic<double> speed{ 1.0 };
 
 private:
     class Spin;

@@ -19,7 +19,8 @@ namespace {
 
 constexpr int bytesPerPixel = 3;
 constexpr int rowAlignment = 4; // bytes; what an image without an explicit stride expects
-// The library's vector code works on whole groups of pixels and leaves the rest of a shorter row unwritten.
+// The library's vector code works on whole groups of pixels and leaves the rest of a shorter row
+// unwritten.
 constexpr int pixelGroup = 32;
 constexpr int mostThreads = 4;
 constexpr int fixedPointOne = 1 << 16; // contrast and saturation as they are
@@ -30,7 +31,10 @@ int paddedRowBytes(int width)
     return bytes + (rowAlignment - bytes % rowAlignment) % rowAlignment;
 }
 
-int alignedRowBytes(int width) { return (width + pixelGroup - 1) / pixelGroup * pixelGroup * bytesPerPixel; }
+int alignedRowBytes(int width)
+{
+    return (width + pixelGroup - 1) / pixelGroup * pixelGroup * bytesPerPixel;
+}
 
 // The full-range twins of the plain formats ("yuvj420p") carry their range in the format itself.
 bool isFullRange(int format, int range)
@@ -99,8 +103,9 @@ int RgbConverter::prepare(const Input& input)
         return result;
     }
     // Fails, harmlessly, for formats that have no matrix.
-    sws_setColorspaceDetails(m_context.get(), sws_getCoefficients(input.matrix), input.fullRange ? 1 : 0,
-        sws_getCoefficients(SWS_CS_DEFAULT), 1, 0, fixedPointOne, fixedPointOne);
+    sws_setColorspaceDetails(m_context.get(), sws_getCoefficients(input.matrix),
+        input.fullRange ? 1 : 0, sws_getCoefficients(SWS_CS_DEFAULT), 1, 0, fixedPointOne,
+        fixedPointOne);
     *m_input = input;
     return 0;
 }
@@ -118,9 +123,11 @@ int RgbConverter::convert(const AVFrame& source, DecodedVideoFrame& target)
     const int stride = alignedRowBytes(m_width);
     const int result = scaleInto(source, m_alignedRows.get(), stride);
     for (int y = 0; result >= 0 && y < m_height; ++y) {
-        // The aligned row is the longer one, so the padding is copied along and holds no stale bytes of another file.
+        // The aligned row is the longer one, so the padding is copied along and holds no stale
+        // bytes of another file.
         std::memcpy(target.data.get() + static_cast<ptrdiff_t>(y) * m_rowBytes,
-            m_alignedRows.get() + static_cast<ptrdiff_t>(y) * stride, static_cast<size_t>(m_rowBytes));
+            m_alignedRows.get() + static_cast<ptrdiff_t>(y) * stride,
+            static_cast<size_t>(m_rowBytes));
     }
     return result;
 }
@@ -139,5 +146,6 @@ int RgbConverter::scaleInto(const AVFrame& source, uint8_t* data, int stride)
     target->linesize[0] = stride;
     target->buf[0] = av_buffer_create(
         data, static_cast<size_t>(stride) * static_cast<size_t>(m_height), keepMemory, nullptr, 0);
-    return target->buf[0] ? sws_scale_frame(m_context.get(), target.get(), &source) : AVERROR(ENOMEM);
+    return target->buf[0] ? sws_scale_frame(m_context.get(), target.get(), &source)
+                          : AVERROR(ENOMEM);
 }

@@ -6,8 +6,9 @@
 #include <sanitizer/tsan_interface.h>
 #endif
 
-/// Holds a mutex for its own lifetime. The packaged Qt is not built for the thread sanitizer, which would take every
-/// lock for a race; the annotations tell it what a lock orders, so that real races stand out.
+/// Holds a mutex for its own lifetime. The packaged Qt is not built for the thread sanitizer, which
+/// would take every lock for a race; the annotations tell it what a lock orders, so that real races
+/// stand out.
 class ScopedLock {
 public:
     explicit ScopedLock(QMutex& mutex)

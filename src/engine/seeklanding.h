@@ -3,9 +3,10 @@
 #include <atomic>
 #include <cstdint>
 
-/// Where a seek went, judged by the first picture that comes out of the decoder after it. An index seek compares
-/// decode times, so it can land on a key picture that is shown after the target; the picture asked for would then
-/// never be decoded. The demuxer asks, the video decoder answers, and each question is answered at most once.
+/// Where a seek went, judged by the first picture that comes out of the decoder after it. An index
+/// seek compares decode times, so it can land on a key picture that is shown after the target; the
+/// picture asked for would then never be decoded. The demuxer asks, the video decoder answers, and
+/// each question is answered at most once.
 class SeekLanding {
 public:
     enum class Verdict : uint8_t {
@@ -16,7 +17,8 @@ public:
         Ended // the file ended without a picture
     };
 
-    /// Demuxer. Asks about a seek to `target` seconds; the serial returned travels in the flush marker.
+    /// Demuxer. Asks about a seek to `target` seconds; the serial returned travels in the flush
+    /// marker.
     int64_t ask(double target)
     {
         m_target.store(target, std::memory_order_relaxed);
@@ -25,7 +27,8 @@ public:
         return serial;
     }
 
-    /// Demuxer. Takes the question back, unless it was answered meanwhile; returns what stands then.
+    /// Demuxer. Takes the question back, unless it was answered meanwhile; returns what stands
+    /// then.
     Verdict withdraw()
     {
         int64_t pending = m_state.load(std::memory_order_relaxed);
@@ -38,7 +41,10 @@ public:
         return verdictOf(pending);
     }
 
-    [[nodiscard]] Verdict verdict() const { return verdictOf(m_state.load(std::memory_order_acquire)); }
+    [[nodiscard]] Verdict verdict() const
+    {
+        return verdictOf(m_state.load(std::memory_order_acquire));
+    }
 
     /// Video decoder. True while the question with this serial waits for its answer.
     [[nodiscard]] bool isAsked(int64_t serial) const
@@ -47,7 +53,8 @@ public:
     }
     [[nodiscard]] double target() const { return m_target.load(std::memory_order_relaxed); }
 
-    /// Video decoder. False where the question was taken back or another one stands: the answer does not count.
+    /// Video decoder. False where the question was taken back or another one stands: the answer
+    /// does not count.
     bool answer(int64_t serial, Verdict verdict)
     {
         int64_t pending = pack(serial, Verdict::Pending);
@@ -66,6 +73,6 @@ private:
         return static_cast<Verdict>(state & ((1 << verdictBits) - 1));
     }
 
-    std::atomic<int64_t> m_state { 0 }; // serial and verdict as one
-    std::atomic<double> m_target { 0.0 }; // seconds
+    std::atomic<int64_t> m_state{ 0 }; // serial and verdict as one
+    std::atomic<double> m_target{ 0.0 }; // seconds
 };

@@ -14,7 +14,8 @@ namespace {
 
 constexpr unsigned long fullCachePauseMs = 1;
 constexpr double framesBehindKept = 3.0; // an older picture is dropped unconverted
-constexpr int mostErrorsInARow = 100; // of one packet; a decoder that only fails must not hold the loop
+constexpr int mostErrorsInARow =
+    100; // of one packet; a decoder that only fails must not hold the loop
 
 FrameTimer::Stream timing(const MediaSource& source)
 {
@@ -144,8 +145,8 @@ void VideoDecoder::convertAndStore(double time)
     if (cache.discarding) {
         return;
     }
-    std::unique_ptr<DecodedVideoFrame> picture
-        = cache.obtain(m_converter.pictureBytes(), m_source->width, m_source->height);
+    std::unique_ptr<DecodedVideoFrame> picture =
+        cache.obtain(m_converter.pictureBytes(), m_source->width, m_source->height);
     if (m_converter.convert(*m_frame, *picture) < 0) {
         return;
     }

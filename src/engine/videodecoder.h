@@ -16,8 +16,8 @@ public:
     /// 0, or -1 where the conversion cannot be set up or the decoder is open already.
     [[nodiscard]] int open();
 
-    /// Takes one entry of the packet queue. 0; -1 where there was none or it did not decode; endOfStream after the
-    /// last picture.
+    /// Takes one entry of the packet queue. 0; -1 where there was none or it did not decode;
+    /// endOfStream after the last picture.
     [[nodiscard]] int decodeNext();
 
     /// False until the first picture has come out.

@@ -23,7 +23,8 @@ constexpr unsigned long refusedPauseMicroseconds = 1;
 } // namespace
 
 DecodedVideoFrame::DecodedVideoFrame(int bytes, int widthPixels, int heightPixels)
-    : data(new uint8_t[static_cast<size_t>(bytes)]) // not make_unique: that would clear what is overwritten at once
+    : data(new uint8_t[static_cast<size_t>(
+        bytes)]) // not make_unique: that would clear what is overwritten at once
     , size(bytes)
     , width(widthPixels)
     , height(heightPixels)
@@ -90,8 +91,7 @@ bool VideoFrameCache::hasRoom(double clock)
 bool VideoFrameCache::mayEvict() const
 {
     const int used = m_usedSlots.available();
-    return used > 0
-        && ((m_currentIndex < 0 && used >= m_capacity) || m_currentIndex > m_trailing);
+    return used > 0 && ((m_currentIndex < 0 && used >= m_capacity) || m_currentIndex > m_trailing);
 }
 
 bool VideoFrameCache::put(std::unique_ptr<DecodedVideoFrame>& frame, double frameDuration)
@@ -106,7 +106,8 @@ bool VideoFrameCache::put(std::unique_ptr<DecodedVideoFrame>& frame, double fram
         evictFirst();
     }
     if (!m_freeSlots.tryAcquire(1, freeSlotWaitMs)) {
-        QThread::usleep(refusedPauseMicroseconds); // under the lock: paces a caller that tries again at once
+        QThread::usleep(
+            refusedPauseMicroseconds); // under the lock: paces a caller that tries again at once
         return false;
     }
     insert(std::move(frame), frameDuration);
@@ -116,7 +117,8 @@ bool VideoFrameCache::put(std::unique_ptr<DecodedVideoFrame>& frame, double fram
 void VideoFrameCache::insert(FramePtr frame, double frameDuration)
 {
     m_byteCount += frame->size;
-    // Nearly always the end. A stream whose times jump back is kept in order, as the lookup needs it.
+    // Nearly always the end. A stream whose times jump back is kept in order, as the lookup needs
+    // it.
     const auto place = firstAfter(frame->time);
     if (place - m_frames.begin() <= m_currentIndex) {
         ++m_currentIndex;
@@ -178,8 +180,7 @@ const DecodedVideoFrame* VideoFrameCache::frameAt(double seconds)
 
 bool VideoFrameCache::isDecodedUpTo(double seconds) const
 {
-    return m_complete
-        || (!m_frames.empty() && seconds < m_endTime.load(std::memory_order_relaxed));
+    return m_complete || (!m_frames.empty() && seconds < m_endTime.load(std::memory_order_relaxed));
 }
 
 void VideoFrameCache::setEndTime(double seconds)

@@ -11,7 +11,8 @@
 
 /// One converted picture: packed RGB24, rows padded to 4 bytes.
 struct DecodedVideoFrame {
-    /// Memory for `size` bytes, not cleared: whoever makes a picture writes every byte that is shown.
+    /// Memory for `size` bytes, not cleared: whoever makes a picture writes every byte that is
+    /// shown.
     DecodedVideoFrame(int size, int width, int height);
 
     std::unique_ptr<uint8_t[]> data;
@@ -21,46 +22,53 @@ struct DecodedVideoFrame {
     double time = 0.0; // presentation time, seconds on the playback clock's scale
 };
 
-/// The converted pictures around the play head: filled by the video decoder, read by whoever shows them. It locks
-/// itself, but for frameAt() and holds(), whose caller holds mutex() for as long as it looks at a picture.
+/// The converted pictures around the play head: filled by the video decoder, read by whoever shows
+/// them. It locks itself, but for frameAt() and holds(), whose caller holds mutex() for as long as
+/// it looks at a picture.
 class VideoFrameCache {
 public:
     VideoFrameCache();
 
-    /// Any thread. Sizes the cache for pictures of `frameBytes` and empties it. A budget below 256 MB counts as
-    /// 256 MB; one percent of it stays unused. `trailingShare` (0 to 1) is the share kept behind the play head.
+    /// Any thread. Sizes the cache for pictures of `frameBytes` and empties it. A budget below 256
+    /// MB counts as 256 MB; one percent of it stays unused. `trailingShare` (0 to 1) is the share
+    /// kept behind the play head.
     void setCacheSize(int64_t cacheBytes, int64_t frameBytes, float trailingShare);
 
     /// Video thread. Memory for a picture, recycled from one no longer shown where the size fits.
     [[nodiscard]] std::unique_ptr<DecodedVideoFrame> obtain(int size, int width, int height);
 
-    /// Video thread. True when the next put would be taken: a short look, no wait. Before anything was shown since
-    /// the last reset, a full cache whose second picture starts after `clock` takes nothing more: rolling on would
-    /// push out the very picture that is about to be shown.
+    /// Video thread. True when the next put would be taken: a short look, no wait. Before anything
+    /// was shown since the last reset, a full cache whose second picture starts after `clock` takes
+    /// nothing more: rolling on would push out the very picture that is about to be shown.
     [[nodiscard]] bool hasRoom(double clock);
 
-    /// Video thread. Appends a picture, evicting at most one that is further behind the play head than the trailing
-    /// share; takes it also while `discarding`, to throw it away. False after about 1 ms when full: the caller
-    /// still owns the picture.
+    /// Video thread. Appends a picture, evicting at most one that is further behind the play head
+    /// than the trailing share; takes it also while `discarding`, to throw it away. False after
+    /// about 1 ms when full: the caller still owns the picture.
     [[nodiscard]] bool put(std::unique_ptr<DecodedVideoFrame>& frame, double frameDuration);
 
-    /// Frame to show at `seconds`: the last one that starts by then, else the first one cached; null when nothing is
-    /// cached. The caller holds mutex(); the frame stays valid until the lock is released.
+    /// Frame to show at `seconds`: the last one that starts by then, else the first one cached;
+    /// null when nothing is cached. The caller holds mutex(); the frame stays valid until the lock
+    /// is released.
     const DecodedVideoFrame* frameAt(double seconds);
 
-    /// True when frameAt(seconds) is final: no picture still to be decoded starts by then. Caller holds mutex().
+    /// True when frameAt(seconds) is final: no picture still to be decoded starts by then. Caller
+    /// holds mutex().
     [[nodiscard]] bool isDecodedUpTo(double seconds) const;
 
     /// Video thread, at the end of the stream; never before the end of the newest picture.
     void setEndTime(double seconds);
 
-    /// Any thread. Empties the cache; the pictures' memory is given back little by little by later puts.
+    /// Any thread. Empties the cache; the pictures' memory is given back little by little by later
+    /// puts.
     void reset();
 
-    /// Empties the cache and gives all its memory back at once. No other thread may be using a picture.
+    /// Empties the cache and gives all its memory back at once. No other thread may be using a
+    /// picture.
     void clear();
 
-    /// Any thread. True when `seconds` lies inside the cached span; an empty cache contains no time.
+    /// Any thread. True when `seconds` lies inside the cached span; an empty cache contains no
+    /// time.
     [[nodiscard]] bool contains(double seconds);
 
     /// Any thread, for display: the span's limits in seconds, the pictures held, their bytes.
@@ -73,9 +81,9 @@ public:
 
     QMutex& mutex() { return m_mutex; }
 
-    /// While true, put throws away what it is given. Set by the demuxer on a seek, cleared by the video decoder at
-    /// the flush marker.
-    std::atomic<bool> discarding { false };
+    /// While true, put throws away what it is given. Set by the demuxer on a seek, cleared by the
+    /// video decoder at the flush marker.
+    std::atomic<bool> discarding{ false };
 
 private:
     using FramePtr = std::unique_ptr<DecodedVideoFrame>;
@@ -97,7 +105,7 @@ private:
     int m_capacity;
     int m_trailing; // frames allowed behind the current one
     bool m_complete = false; // the stream's last picture is in
-    std::atomic<int64_t> m_byteCount { 0 }; // written under the lock
-    std::atomic<double> m_startTime { 0.0 }; // written under the lock, read for display
-    std::atomic<double> m_endTime { 0.0 }; // written under the lock, read for display
+    std::atomic<int64_t> m_byteCount{ 0 }; // written under the lock
+    std::atomic<double> m_startTime{ 0.0 }; // written under the lock, read for display
+    std::atomic<double> m_endTime{ 0.0 }; // written under the lock, read for display
 };

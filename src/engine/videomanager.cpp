@@ -7,7 +7,8 @@
 
 namespace {
 constexpr int prefillFrames = 9; // more than these and the first picture can be shown at once
-constexpr int mostFruitlessCalls = 500; // before the first picture; about half a second of an empty queue
+constexpr int mostFruitlessCalls =
+    500; // before the first picture; about half a second of an empty queue
 }
 
 VideoManager::VideoManager(QObject* parent)
@@ -18,7 +19,10 @@ VideoManager::VideoManager(QObject* parent)
     qRegisterMetaType<MediaSource*>("MediaSource*");
 }
 
-VideoManager::~VideoManager() { letGo(); }
+VideoManager::~VideoManager()
+{
+    letGo();
+}
 
 void VideoManager::changeMediaSource(MediaSource* mediaSrc)
 {
@@ -44,11 +48,13 @@ void VideoManager::changeMediaSource(MediaSource* mediaSrc)
     startDecoding();
 }
 
-// Ends early where the decoder yields nothing, but not before the first picture has fixed where the file starts.
+// Ends early where the decoder yields nothing, but not before the first picture has fixed where the
+// file starts.
 void VideoManager::prefill()
 {
     int fruitless = 0;
-    while (!m_mediaSource->abortRequested && m_mediaSource->videoFrames.frameCount() <= prefillFrames) {
+    while (!m_mediaSource->abortRequested
+        && m_mediaSource->videoFrames.frameCount() <= prefillFrames) {
         const int result = m_decoder->decodeNext();
         if (result == VideoDecoder::endOfStream) {
             return;

@@ -7,8 +7,8 @@
 class MediaSource;
 class VideoDecoder;
 
-/// Decodes the video of a source, in a thread of its own. Its slots run there; the decode loop stays inside
-/// changeMediaSource() until the source's abortRequested is set.
+/// Decodes the video of a source, in a thread of its own. Its slots run there; the decode loop
+/// stays inside changeMediaSource() until the source's abortRequested is set.
 class VideoManager : public QObject {
     Q_OBJECT
 

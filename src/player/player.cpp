@@ -15,7 +15,7 @@
 namespace {
 constexpr int volumeWidth = 90; // pixels
 constexpr int rowMargin = 6; // pixels
-constexpr QSize firstSize { 720, 480 }; // until a video tells its own
+constexpr QSize firstSize{ 720, 480 }; // until a video tells its own
 constexpr int64_t bytesPerMegabyte = 1000000;
 }
 
@@ -106,13 +106,25 @@ void Player::playForward()
     m_manager->play(-1.0);
 }
 
-void Player::stepForward() { setCurrentFrame(currentFrame() + 1, true); }
+void Player::stepForward()
+{
+    setCurrentFrame(currentFrame() + 1, true);
+}
 
-void Player::stepBackward() { setCurrentFrame(currentFrame() - 1, true); }
+void Player::stepBackward()
+{
+    setCurrentFrame(currentFrame() - 1, true);
+}
 
-void Player::seekRangeStart() { setCurrentFrame(m_range.start); }
+void Player::seekRangeStart()
+{
+    setCurrentFrame(m_range.start);
+}
 
-void Player::seekRangeEnd() { setCurrentFrame(m_range.end); }
+void Player::seekRangeEnd()
+{
+    setCurrentFrame(m_range.end);
+}
 
 void Player::setCurrentFrame(int frame, bool audioScrub)
 {
@@ -121,11 +133,15 @@ void Player::setCurrentFrame(int frame, bool audioScrub)
     if (target == currentFrame()) {
         return;
     }
-    const double scrubSeconds = settings().audioScrub && audioScrub ? m_manager->frameDuration() : 0.0;
+    const double scrubSeconds =
+        settings().audioScrub && audioScrub ? m_manager->frameDuration() : 0.0;
     m_manager->seek(false, m_clock.timeOf(target), scrubSeconds);
 }
 
-void Player::setVolume(int volume) { m_manager->setVolume(volume); }
+void Player::setVolume(int volume)
+{
+    m_manager->setVolume(volume);
+}
 
 void Player::setPlaybackTime(double playbackTime)
 {
@@ -195,9 +211,9 @@ void Player::onError(PlaybackManager::Error, const QString& errorStr)
 
 void Player::showTitle(int frame)
 {
-    setWindowTitle(frame < 0 ? QStringLiteral("Vantor")
-                             : QFileInfo(m_manager->mediaFilename()).fileName()
-                + tr(" -- Frame %1").arg(frame));
+    setWindowTitle(frame < 0
+            ? QStringLiteral("Vantor")
+            : QFileInfo(m_manager->mediaFilename()).fileName() + tr(" -- Frame %1").arg(frame));
 }
 
 // The top-left corner stays; the view shows the video pixel by pixel.
@@ -209,6 +225,12 @@ void Player::fitToVideo()
     }
 }
 
-int Player::currentFrame() const { return m_clock.frameAt(m_manager->playbackTime()); }
+int Player::currentFrame() const
+{
+    return m_clock.frameAt(m_manager->playbackTime());
+}
 
-int Player::lastFrame() const { return m_clock.frameAt(m_manager->duration()); }
+int Player::lastFrame() const
+{
+    return m_clock.frameAt(m_manager->duration());
+}

@@ -15,7 +15,8 @@ class Player : public QWidget {
     Q_OBJECT
 
 public:
-    /// Opens `filename` unless it is empty. A range of frames from 1 on, both ends included; -1: not given.
+    /// Opens `filename` unless it is empty. A range of frames from 1 on, both ends included; -1:
+    /// not given.
     explicit Player(
         const QString& filename, int rangeStart = -1, int rangeEnd = -1, QWidget* parent = nullptr);
 

@@ -16,4 +16,7 @@ int FrameClock::frameAt(double seconds) const
     return static_cast<int>(seconds * m_frameRate + firstFrame);
 }
 
-double FrameClock::timeOf(int frame) const { return (frame - 1) * m_frameDuration + insideFrameSeconds; }
+double FrameClock::timeOf(int frame) const
+{
+    return (frame - 1) * m_frameDuration + insideFrameSeconds;
+}

@@ -7,7 +7,7 @@ struct FrameRange {
 
     bool operator==(const FrameRange&) const = default;
 
-    /// The nearest range inside a media of `last` frames: a start of 0 or less is the first frame, an end beyond
-    /// the media the last one, an end before the start the start itself.
+    /// The nearest range inside a media of `last` frames: a start of 0 or less is the first frame,
+    /// an end beyond the media the last one, an end before the start the start itself.
     static FrameRange clamped(int start, int end, int last);
 };
