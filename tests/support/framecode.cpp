@@ -40,8 +40,8 @@ int cellLuma(const uint8_t* rgb, int stride, int column, int row, double scale)
     const int bottom = std::max(top + 1, edge(row, 0.75));
     int sum = 0;
     for (int y = top; y < bottom; ++y) {
-        for (int x = left; x < right; ++x) {
-            const uint8_t* pixel = rgb + static_cast<std::ptrdiff_t>(y) * stride + x * 3;
+        const uint8_t* pixel = rgb + std::ptrdiff_t{ stride } * y + std::ptrdiff_t{ 3 } * left;
+        for (int x = left; x < right; ++x, pixel += 3) {
             sum += (pixel[0] * 299 + pixel[1] * 587 + pixel[2] * 114) / 1000;
         }
     }
@@ -54,10 +54,10 @@ void paint(uint8_t* rgb, int imageWidth, int imageHeight, int stride, int number
 {
     const uint32_t code = codeOf(static_cast<uint32_t>(number) & maxNumber);
     for (int y = 0; y < std::min(height, imageHeight); ++y) {
-        uint8_t* row = rgb + static_cast<std::ptrdiff_t>(y) * stride;
-        for (int x = 0; x < std::min(width, imageWidth); ++x) {
+        uint8_t* pixel = rgb + std::ptrdiff_t{ stride } * y;
+        for (int x = 0; x < std::min(width, imageWidth); ++x, pixel += 3) {
             const int bit = 31 - (y / cellSize * columns + x / cellSize);
-            std::fill_n(row + x * 3, 3, static_cast<uint8_t>((code >> bit & 1) != 0 ? 255 : 0));
+            std::fill_n(pixel, 3, static_cast<uint8_t>((code >> bit & 1) != 0 ? 255 : 0));
         }
     }
 }
