@@ -2,7 +2,6 @@
 
 #include "acceptedmedia.h"
 #include "mediasource.h"
-#include "playbackerrors.h"
 
 #include <QFileInfo>
 
@@ -15,11 +14,6 @@ constexpr int pictureIntervalMs = 1;
 constexpr double endGuardSeconds = 0.0001; // the play head rests this far before the end
 constexpr double fullVolumePercent = 100.0;
 constexpr int64_t bytesPerPixel = 3;
-
-int64_t frameBytes(const MediaSource& source)
-{
-    return bytesPerPixel * source.videoWidth() * source.videoHeight();
-}
 
 } // namespace
 
@@ -51,46 +45,6 @@ PlaybackManager::~PlaybackManager()
     if (m_mediaSource) {
         EngineThreads::leaveBehind(std::move(m_mediaSource));
     }
-}
-
-void PlaybackManager::wireMedia()
-{
-    MediaManager* media = &m_engine.media();
-    connect(this, &PlaybackManager::mediaSourceChanged, media, &MediaManager::load);
-    connect(this, &PlaybackManager::seekRequested, media, &MediaManager::seek);
-    connect(this, &PlaybackManager::unloadMedia, media, &MediaManager::unload);
-    connect(media, &MediaManager::error, this, &PlaybackManager::onMediaError);
-    connect(media, &MediaManager::statusChanged, this, &PlaybackManager::onMediaStatusUpdate);
-    connect(media, &MediaManager::released, this, [this] {
-        m_unload.mediaReleased = true;
-        handleEngineStatus();
-    });
-}
-
-void PlaybackManager::wireAudio()
-{
-    AudioManager* audio = &m_engine.audio();
-    connect(this, &PlaybackManager::mediaSourceLoaded, audio, &AudioManager::changeMediaSource);
-    connect(this, &PlaybackManager::unloadAudioVideo, audio, &AudioManager::stopDecoding);
-    connect(audio, &AudioManager::error, this, &PlaybackManager::onAudioError);
-    connect(audio, &AudioManager::statusChanged, this, &PlaybackManager::onAudioStatusUpdate);
-    connect(audio, &AudioManager::released, this, [this] {
-        m_unload.audioReleased = true;
-        handleEngineStatus();
-    });
-}
-
-void PlaybackManager::wireVideo()
-{
-    VideoManager* video = &m_engine.video();
-    connect(this, &PlaybackManager::mediaSourceLoaded, video, &VideoManager::changeMediaSource);
-    connect(this, &PlaybackManager::unloadAudioVideo, video, &VideoManager::stopDecoding);
-    connect(video, &VideoManager::error, this, &PlaybackManager::onVideoError);
-    connect(video, &VideoManager::statusChanged, this, &PlaybackManager::onVideoStatusUpdate);
-    connect(video, &VideoManager::released, this, [this] {
-        m_unload.videoReleased = true;
-        handleEngineStatus();
-    });
 }
 
 bool PlaybackManager::setMedia(QString filename, int64_t cacheSize, float trailingCachePct)
@@ -328,181 +282,6 @@ void PlaybackManager::rebaseClock()
     m_mediaSource->resetClock(m_mediaSource->clockTime(true));
 }
 
-void PlaybackManager::onMediaStatusUpdate(MediaManager::Status status)
-{
-    m_engineStatus.media = status;
-    handleEngineStatus();
-}
-
-void PlaybackManager::onAudioStatusUpdate(AudioManager::Status status)
-{
-    m_engineStatus.audio = status;
-    handleEngineStatus();
-}
-
-void PlaybackManager::onVideoStatusUpdate(VideoManager::Status status)
-{
-    m_engineStatus.video = status;
-    handleEngineStatus();
-}
-
-void PlaybackManager::handleEngineStatus()
-{
-    if (!m_mediaSource) {
-        return;
-    }
-    switch (m_status) {
-    case Loading:
-        return handleLoading();
-    case Unloading:
-        return handleUnloading();
-    case Ready:
-        return handleReady();
-    case Seeking:
-        return handleSeeked();
-    default:
-        return;
-    }
-}
-
-void PlaybackManager::handleLoading()
-{
-    MediaSource& source = *m_mediaSource;
-    switch (nextLoadStep(m_engineStatus)) {
-    case LoadStep::StartDecoders:
-        source.videoFrames.setCacheSize(m_cacheSize, frameBytes(source), m_trailingCachePct);
-        source.volume = m_volume / fullVolumePercent;
-        Q_EMIT mediaSourceLoaded(&source);
-        return;
-    case LoadStep::Complete:
-        return completeLoad();
-    case LoadStep::NoStreams:
-        raise(FormatError, tr("No audio/video streams found."));
-        if (m_status == Loading) {
-            setStatus(InvalidMedia);
-        }
-        return;
-    case LoadStep::Wait:
-        return;
-    }
-}
-
-void PlaybackManager::completeLoad()
-{
-    const unsigned revision = m_revision;
-    setStatus(Loaded);
-    if (m_revision != revision || m_status != Loaded) {
-        return;
-    }
-    haltPlayback();
-    if (m_revision != revision || m_status != Loaded) {
-        return;
-    }
-    m_mediaSource->resetClock(0.0);
-    updatePlaybackTime();
-    if (m_revision == revision && m_status == Ready) {
-        handleReady(); // the decoders may have come further while this loaded
-    }
-}
-
-void PlaybackManager::handleReady()
-{
-    if (!m_engineStatus.readyAtPlayHead()) {
-        updateVideoFrame(false); // starts to wait for the picture
-        return;
-    }
-    const unsigned revision = m_revision;
-    rebaseClock();
-    updatePlaybackTime();
-    if (m_revision == revision && m_status == Ready && m_state != Playing) {
-        requestAudioSlice();
-    }
-}
-
-void PlaybackManager::handleSeeked()
-{
-    if (m_seekRunning && m_engineStatus.media == MediaManager::Seeked) {
-        endSeek();
-    }
-}
-
-// The seek that ran has ended, one way or the other.
-void PlaybackManager::endSeek()
-{
-    m_seekRunning = false;
-    if (m_pendingSeekTime >= 0.0) {
-        issueSeek(m_pendingSeekTime);
-        return;
-    }
-    const unsigned revision = m_revision;
-    setStatus(Ready);
-    if (m_revision == revision && m_status == Ready) {
-        handleReady(); // the picture may have come before the demuxer's answer
-    }
-}
-
-void PlaybackManager::handleUnloading()
-{
-    if (!m_engineStatus.decodersIdle() || !m_unload.audioReleased || !m_unload.videoReleased) {
-        return;
-    }
-    if (!m_unload.mediaAsked) {
-        m_unload.mediaAsked = true;
-        Q_EMIT unloadMedia();
-    } else if (m_unload.mediaReleased) {
-        finishUnload();
-    }
-}
-
-void PlaybackManager::finishUnload()
-{
-    ++m_revision;
-    m_mediaSource.reset();
-    m_engineStatus.media = MediaManager::Status{};
-    m_engineStatus.audio = AudioManager::Idle;
-    setStatus(NoMedia);
-    if (m_status != NoMedia) {
-        return;
-    }
-    setState(Stopped);
-    if (m_status == NoMedia && !m_pendingFilename.isEmpty()) {
-        createSource(QString(m_pendingFilename));
-    }
-}
-
-void PlaybackManager::onMediaError(MediaManager::Error mediaError)
-{
-    const bool openFailed = mediaError == MediaManager::OpenError;
-    if (!m_mediaSource || (openFailed && m_status != Loading)) {
-        return; // of a file given up meanwhile
-    }
-    const unsigned revision = m_revision;
-    const PlaybackError described = describe(mediaError);
-    raise(described.code, described.text);
-    if (m_revision != revision) {
-        return;
-    }
-    if (openFailed) {
-        stop();
-    } else if (mediaError == MediaManager::SeekError && m_status == Seeking) {
-        endSeek();
-    }
-}
-
-void PlaybackManager::onAudioError(AudioManager::Error audioError)
-{
-    const QString detail =
-        m_mediaSource ? audioErrorDetail(m_mediaSource->audioErrorCode.exchange(0)) : QString();
-    const PlaybackError described = describe(audioError, detail);
-    raise(described.code, described.text);
-}
-
-void PlaybackManager::onVideoError(VideoManager::Error videoError)
-{
-    const PlaybackError described = describe(videoError);
-    raise(described.code, described.text);
-}
-
 void PlaybackManager::setState(State state)
 {
     if (m_state != state) {
@@ -566,7 +345,7 @@ void PlaybackManager::setVolume(int volume)
     }
     m_volume = clamped;
     if (m_mediaSource) {
-        m_mediaSource->volume = m_volume / fullVolumePercent;
+        applyVolume();
     }
 }
 
@@ -575,7 +354,7 @@ void PlaybackManager::setCacheSize(int64_t bytes, float trailingPct)
     m_cacheSize = bytes;
     m_trailingCachePct = trailingPct;
     if (m_mediaSource && m_mediaSource->opened) {
-        m_mediaSource->videoFrames.setCacheSize(bytes, frameBytes(*m_mediaSource), trailingPct);
+        resizeCache();
         seek(false, playbackTime(), 0.0);
     }
 }
@@ -590,4 +369,16 @@ void PlaybackManager::setRotation(int degrees)
 {
     m_presenter.setRotation(degrees);
     updateVideoFrame(true);
+}
+
+void PlaybackManager::applyVolume()
+{
+    m_mediaSource->volume = m_volume / fullVolumePercent;
+}
+
+void PlaybackManager::resizeCache()
+{
+    MediaSource& source = *m_mediaSource;
+    const int64_t frameBytes = bytesPerPixel * source.videoWidth() * source.videoHeight();
+    source.videoFrames.setCacheSize(m_cacheSize, frameBytes, m_trailingCachePct);
 }

@@ -177,6 +177,8 @@ private:
     void advancePlayHead(bool pastEndHandled);
     void rebaseClock();
     void requestAudioSlice();
+    void applyVolume();
+    void resizeCache();
     void haltPlayback();
     void setState(State state);
     void setStatus(Status status);
