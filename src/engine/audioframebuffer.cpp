@@ -118,9 +118,11 @@ int AudioFrameBuffer::copy(int16_t* out, int frameCount, int channels, double ga
     const DecodedAudioFrame& frame = *m_frames[m_readIndex];
     Q_ASSERT(frame.valueCount == frame.sampleCount * channels);
     const int count = std::min(frameCount, m_remaining);
-    const int16_t* const from = frame.samples.get() + frame.valueCount - m_remaining * channels;
-    std::transform(from, from + count * channels, out,
-        [gain](int16_t sample) { return amplified(sample, gain); });
+    const ptrdiff_t values = static_cast<ptrdiff_t>(count) * channels;
+    const int16_t* const from =
+        frame.samples.get() + frame.valueCount - static_cast<ptrdiff_t>(m_remaining) * channels;
+    std::transform(
+        from, from + values, out, [gain](int16_t sample) { return amplified(sample, gain); });
     m_remaining -= count;
     return count;
 }

@@ -49,7 +49,12 @@ int MediaSource::videoHeight() const
     return opened.load(std::memory_order_acquire) ? height : -1;
 }
 
+bool MediaSource::picturesPaceSound() const
+{
+    return videoStream && !videoUnused && !(videoStream->disposition & AV_DISPOSITION_ATTACHED_PIC);
+}
+
 double MediaSource::soundReferenceTime()
 {
-    return videoStream ? cachedStartTime() - videoDelay : clockTime(false);
+    return picturesPaceSound() ? cachedStartTime() - videoDelay : clockTime(false);
 }

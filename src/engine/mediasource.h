@@ -47,8 +47,12 @@ public:
     [[nodiscard]] double cachedStartTime() const { return videoFrames.startTime(); }
     [[nodiscard]] double cachedEndTime() const { return videoFrames.endTime(); }
 
+    /// Any thread. True where pictures go by: full queues of them hold back the demuxer and so the
+    /// sound. Without (sound only, a cover, a video that cannot be decoded) only the clock can.
+    [[nodiscard]] bool picturesPaceSound() const;
+
     /// Any thread. Seconds up to which sound blocks may be dropped: the start of the cached
-    /// pictures, or the clock where there is no video.
+    /// pictures, or the clock where no pictures go by.
     double soundReferenceTime();
 
     // The file. Demuxer's thread, until `opened`; then read only, until close.

@@ -1,0 +1,177 @@
+#include "audiomanager.h"
+
+#include "audiodecoder.h"
+#include "logger.h"
+#include "mediasource.h"
+
+extern "C" {
+#include <libavcodec/avcodec.h>
+}
+#include <portaudio.h>
+
+#include <algorithm>
+
+namespace {
+
+constexpr int prefillSteps = 10; // decoded before the output starts, so that it does not start dry
+
+bool hasAudioStream(const MediaSource& source)
+{
+    return source.audioStreamCount > 0 && source.audioStream && source.audioCodec;
+}
+
+} // namespace
+
+AudioManager::AudioManager(QObject* parent)
+    : QObject(parent)
+{
+    qRegisterMetaType<AudioManager::Error>("AudioManager::Error");
+    qRegisterMetaType<AudioManager::Status>("AudioManager::Status");
+}
+
+AudioManager::~AudioManager()
+{
+    stop();
+}
+
+void AudioManager::changeMediaSource(MediaSource* mediaSource)
+{
+    stop();
+    if (!mediaSource || mediaSource->abortRequested) {
+        return;
+    }
+    m_mediaSource = mediaSource;
+    if (!hasAudioStream(*mediaSource)) {
+        setStatus(NoAudio);
+        return;
+    }
+    if (!setUpOutput()) {
+        mediaSource->soundUnused.store(true, std::memory_order_release);
+        setStatus(NoAudio);
+        return;
+    }
+    m_decoder = std::make_unique<AudioDecoder>(*mediaSource);
+    for (int step = 0; step < prefillSteps && m_decoder->decodeNext() >= 0; ++step) { }
+    setStatus(Decoding);
+    beginWritingStream();
+    startDecoding();
+}
+
+bool AudioManager::setUpOutput()
+{
+    if (m_mediaSource->audioCodec->sample_fmt == AV_SAMPLE_FMT_DBL) {
+        raise(UnsupportedFormatError);
+        return false;
+    }
+    if (m_mediaSource->sampleRate < 1 || m_mediaSource->channels < 1) {
+        Logger::displayWarning(QStringLiteral("The audio stream names no rate or no channels."));
+        return false;
+    }
+    if (!m_library.isInitialized() && !succeeded(m_library.initialize(), InitError)) {
+        return false;
+    }
+    return openStream();
+}
+
+bool AudioManager::openStream()
+{
+    const auto device = defaultOutputDevice();
+    if (!device) {
+        raise(NoDeviceError);
+        return false;
+    }
+    m_mediaSource->outputChannels = std::min(m_mediaSource->channels, device->maxChannels);
+    return succeeded(m_stream.open(*device, *m_mediaSource), OpenStreamError);
+}
+
+void AudioManager::beginWritingStream()
+{
+    if (!m_stream) {
+        raise(StartStreamError);
+        return;
+    }
+    if (succeeded(m_stream.start(), StartStreamError)) {
+        setStatus(Streaming);
+    }
+}
+
+void AudioManager::endWritingStream()
+{
+    if (m_stream) {
+        closeStream();
+        setStatus(StreamClosed);
+    }
+}
+
+void AudioManager::closeStream()
+{
+    succeeded(m_stream.close(), CloseStreamError);
+}
+
+void AudioManager::startDecoding()
+{
+    if (m_status < Decoding) {
+        return;
+    }
+    while (!m_mediaSource->abortRequested) {
+        (void)m_decoder->decodeNext();
+    }
+}
+
+void AudioManager::stopDecoding()
+{
+    stop();
+    Q_EMIT released();
+}
+
+void AudioManager::stop()
+{
+    if (m_stream) {
+        closeStream(); // stops it too
+    }
+    // The library is set up afresh for every file, so that a device plugged in meanwhile is found.
+    if (m_library.isInitialized() && m_library.terminate() != paNoError) {
+        m_mediaSource->audioErrorCode = m_lastPaError;
+        raise(TerminateError);
+    }
+    m_decoder.reset();
+    if (m_mediaSource) {
+        m_mediaSource->audioFrames.clear();
+        m_mediaSource = nullptr;
+    }
+    setStatus(Idle);
+    m_error = NoError;
+}
+
+void AudioManager::setStatus(Status status)
+{
+    if (m_status != status) {
+        m_status = status;
+        Q_EMIT statusChanged(status);
+    }
+}
+
+void AudioManager::raise(Error newError)
+{
+    if (m_error != newError) {
+        m_error = newError;
+        Q_EMIT error(newError);
+    }
+    m_error = NoError;
+}
+
+/// Keeps the result of a PortAudio call; a failure is logged in the library's words and raised.
+bool AudioManager::succeeded(int paResult, Error errorOtherwise)
+{
+    m_lastPaError = paResult;
+    if (paResult == paNoError) {
+        return true;
+    }
+    Logger::displayWarning(
+        QStringLiteral("Sound output: %1").arg(QString::fromUtf8(Pa_GetErrorText(paResult))));
+    if (m_mediaSource) {
+        m_mediaSource->audioErrorCode = paResult;
+    }
+    raise(errorOtherwise);
+    return false;
+}
