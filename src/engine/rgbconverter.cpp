@@ -36,11 +36,14 @@ int alignedRowBytes(int width)
     return (width + pixelGroup - 1) / pixelGroup * pixelGroup * bytesPerPixel;
 }
 
-// The full-range twins of the plain formats ("yuvj420p") carry their range in the format itself.
+// The full-range twins of the plain formats ("yuvj420p") carry their range in the format itself,
+// and grey has the full range unless it is told otherwise.
 bool isFullRange(int format, int range)
 {
-    const char* name = av_get_pix_fmt_name(static_cast<AVPixelFormat>(format));
-    return range == AVCOL_RANGE_JPEG || (name && std::strncmp(name, "yuvj", 4) == 0);
+    const AVPixFmtDescriptor* description = av_pix_fmt_desc_get(static_cast<AVPixelFormat>(format));
+    const bool isTwin = description && std::strncmp(description->name, "yuvj", 4) == 0;
+    const bool isGrey = description && description->nb_components < 3;
+    return range == AVCOL_RANGE_JPEG || isTwin || (isGrey && range == AVCOL_RANGE_UNSPECIFIED);
 }
 
 void keepMemory(void*, uint8_t*) { } // the picture's memory belongs to its owner
