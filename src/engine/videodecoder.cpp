@@ -28,8 +28,9 @@ FrameTimer::Stream timing(const MediaSource& source)
 
 static_assert(FrameTimer::noTime == AV_NOPTS_VALUE);
 
-VideoDecoder::VideoDecoder(MediaSource* mediaSource)
+VideoDecoder::VideoDecoder(MediaSource* mediaSource, std::function<void()> waitsForRoom)
     : m_source(mediaSource)
+    , m_waitsForRoom(std::move(waitsForRoom))
     , m_frame(makeFrame())
     , m_timer(timing(*mediaSource))
     , m_converter(mediaSource->width, mediaSource->height)
@@ -153,6 +154,9 @@ void VideoDecoder::convertAndStore(double time)
     picture->time = time;
     while (!m_source->abortRequested) {
         if (!cache.hasRoom(m_source->clockTime(false))) {
+            if (m_waitsForRoom) {
+                m_waitsForRoom();
+            }
             QThread::msleep(fullCachePauseMs);
         } else if (cache.put(picture, 1.0 / m_source->frameRate)) {
             return;

@@ -4,6 +4,8 @@
 #include "frametimer.h"
 #include "rgbconverter.h"
 
+#include <functional>
+
 class MediaSource;
 
 /// Turns the packets of a source's video stream into pictures in its cache. Video thread only.
@@ -11,7 +13,9 @@ class VideoDecoder {
 public:
     static constexpr int endOfStream = -999;
 
-    explicit VideoDecoder(MediaSource* mediaSource);
+    /// `waitsForRoom` is called while a picture waits for a place in the full cache: one call of
+    /// decodeNext() can yield more pictures than there are places.
+    explicit VideoDecoder(MediaSource* mediaSource, std::function<void()> waitsForRoom = {});
 
     /// 0, or -1 where the conversion cannot be set up or the decoder is open already.
     [[nodiscard]] int open();
@@ -33,6 +37,7 @@ private:
     void convertAndStore(double time);
 
     MediaSource* const m_source; // not owned
+    const std::function<void()> m_waitsForRoom;
     const AvPtr<AVFrame> m_frame;
     FrameTimer m_timer;
     RgbConverter m_converter;

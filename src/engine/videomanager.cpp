@@ -35,7 +35,7 @@ void VideoManager::changeMediaSource(MediaSource* mediaSrc)
         setStatus(NoVideo);
         return;
     }
-    m_decoder = std::make_unique<VideoDecoder>(mediaSrc);
+    m_decoder = std::make_unique<VideoDecoder>(mediaSrc, [this] { reportReach(); });
     if (m_decoder->open() < 0) {
         mediaSrc->videoUnused.store(true, std::memory_order_release);
         raise(InitError);
@@ -54,7 +54,7 @@ void VideoManager::prefill()
 {
     int fruitless = 0;
     while (!m_mediaSource->abortRequested
-        && m_mediaSource->videoFrames.frameCount() <= prefillFrames) {
+        && m_mediaSource->videoFrames.frameCount() <= prefillFrames && m_status != Ready) {
         const int result = m_decoder->decodeNext();
         if (result == VideoDecoder::endOfStream) {
             return;
@@ -74,9 +74,14 @@ void VideoManager::startDecoding()
         if (m_decoder->decodeNext() == VideoDecoder::endOfStream) {
             setStatus(EndOfStream);
         }
-        const bool reached = m_mediaSource->cachedEndTime() >= m_mediaSource->clockTime(false);
-        setStatus(reached ? Ready : Buffering);
+        reportReach();
     }
+}
+
+void VideoManager::reportReach()
+{
+    const bool reached = m_mediaSource->cachedEndTime() >= m_mediaSource->clockTime(false);
+    setStatus(reached ? Ready : Buffering);
 }
 
 void VideoManager::stopDecoding()

@@ -44,6 +44,7 @@ public Q_SLOTS:
 private:
     void letGo();
     void prefill();
+    void reportReach();
     void setStatus(Status status);
     void raise(Error error);
 

@@ -1,0 +1,243 @@
+#include "clips.h"
+#include "framecode.h"
+#include "mediareader.h"
+#include "mediasource.h"
+#include "scopedlock.h"
+#include "videodecoder.h"
+#include "videomanager.h"
+
+#include <QTest>
+
+extern "C" {
+#include <libavcodec/avcodec.h>
+#include <libavformat/avformat.h>
+}
+
+#include <thread>
+
+using Verdict = SeekLanding::Verdict;
+Q_DECLARE_METATYPE(Verdict)
+
+namespace {
+
+constexpr int limitMs = 20000;
+constexpr double exact = 1e-9; // seconds; sums of doubles
+
+/// A clip whose pictures are read and decoded step by step, into a cache that takes them all.
+struct Video {
+    explicit Video(const QString& clipName, int threads = 0)
+        : source(clip(clipName).path)
+    {
+        if (reader.open() < 0) {
+            qFatal("%s does not open", qPrintable(clipName));
+        }
+        source.soundUnused = true; // frees what is not looked at here
+        source.videoFrames.setCacheSize(0, int64_t{ source.width } * source.height * 3, 0.8F);
+        if (threads > 0) {
+            source.videoCodec = codecWith(threads);
+        }
+        decoder = std::make_unique<VideoDecoder>(&source);
+        if (decoder->open() < 0) {
+            qFatal("%s is not decoded", qPrintable(clipName));
+        }
+    }
+
+    [[nodiscard]] AvPtr<AVCodecContext> codecWith(int threads) const
+    {
+        const AVCodec* codec = avcodec_find_decoder(source.videoStream->codecpar->codec_id);
+        AvPtr<AVCodecContext> context(avcodec_alloc_context3(codec));
+        avcodec_parameters_to_context(context.get(), source.videoStream->codecpar);
+        context->pkt_timebase = source.videoStream->time_base;
+        context->thread_count = threads;
+        return avcodec_open2(context.get(), codec, nullptr) < 0 ? nullptr : std::move(context);
+    }
+
+    void decodeQueued()
+    {
+        while (!source.videoPackets.isEmpty()) {
+            (void)decoder->decodeNext();
+        }
+    }
+
+    /// From the current position to the end marker; what the decoder says to that. Every
+    /// `damaged`th packet is spoilt.
+    int decodeToEnd(int damaged = 0)
+    {
+        for (int i = 1; reader.readPackets(1) >= 0; ++i) {
+            AvPtr<AVPacket> packet =
+                damaged > 0 && i % damaged == 0 ? source.videoPackets.get() : nullptr;
+            if (packet && av_packet_make_writable(packet.get()) >= 0) {
+                std::fill_n(packet->data, packet->size, uint8_t{ 0xff });
+                (void)source.videoPackets.put(packet);
+            }
+            decodeQueued();
+        }
+        (void)source.videoPackets.putEndOfStream();
+        return decoder->decodeNext();
+    }
+
+    void flush(int64_t serial = 0)
+    {
+        source.videoFrames.discarding = true;
+        (void)source.videoPackets.flush(serial);
+        source.videoFrames.reset();
+    }
+
+    /// Number and time of the picture shown at that time, the number read from the picture.
+    std::pair<int, double> shownAt(double seconds)
+    {
+        const ScopedLock lock(source.videoFrames.mutex());
+        const DecodedVideoFrame* frame = source.videoFrames.frameAt(seconds);
+        if (!frame) {
+            return { -1, -1.0 };
+        }
+        const int stride = frame->size / frame->height;
+        return { framecode::read(frame->data.get(), frame->width, frame->height, stride),
+            frame->time };
+    }
+
+    MediaSource source;
+    MediaReader reader{ &source };
+    std::unique_ptr<VideoDecoder> decoder;
+};
+
+} // namespace
+
+class TestVideoDecoder : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void everyPictureHasItsTimeWithAnyNumberOfThreads_data()
+    {
+        QTest::addColumn<QString>("name");
+        for (const Clip& clip : allClips()) {
+            if (clip.hasVideo) {
+                QTest::newRow(qPrintable(clip.name)) << clip.name;
+            }
+        }
+    }
+    void everyPictureHasItsTimeWithAnyNumberOfThreads()
+    {
+        QFETCH(const QString, name);
+        const int count = clip(name).frameCount;
+        const double frameDuration = 1.0 / clip(name).rate;
+        QVector<double> startTimes;
+        for (const int threads : { 0, 1, 3 }) { // 0: as the player opens it
+            Video video(name, threads);
+            QCOMPARE(video.decodeToEnd(), VideoDecoder::endOfStream);
+            QCOMPARE(video.source.videoFrames.frameCount(), count);
+            for (int number = 1; number <= count; ++number) {
+                const double start = (number - 1) * frameDuration;
+                const auto [shown, time] = video.shownAt(start + 0.0001);
+                QCOMPARE(shown, number);
+                // The first may be one early: a decode time of 0 counts as missing.
+                const bool early = number == 1 && std::abs(time + frameDuration) < exact;
+                QVERIFY2(early || std::abs(time - start) < exact,
+                    qPrintable(
+                        QStringLiteral("%1 at %2, %3 threads").arg(number).arg(time).arg(threads)));
+            }
+            startTimes.append(video.source.cachedStartTime());
+            QCOMPARE(startTimes.last(), startTimes.first());
+            QVERIFY(video.source.cachedEndTime() > count * frameDuration - exact);
+            QVERIFY(video.source.duration() > (count - 1) * frameDuration + 0.0001);
+        }
+    }
+
+    void afterTheEndOnlyAFlushMakesItTakePackets()
+    {
+        Video video("opengop.mkv");
+        (void)video.decodeToEnd();
+        QVERIFY(video.reader.seekToStart() >= 0);
+        video.source.videoFrames.reset();
+        QCOMPARE(video.decodeToEnd(), VideoDecoder::endOfStream);
+        QCOMPARE(video.source.videoFrames.frameCount(), 0);
+
+        QVERIFY(video.reader.seekToStart() >= 0);
+        video.flush();
+        QCOMPARE(video.decodeToEnd(), VideoDecoder::endOfStream);
+        QVERIFY(!video.source.videoFrames.discarding);
+        QCOMPARE(video.source.videoFrames.frameCount(), clip("opengop.mkv").frameCount);
+        QCOMPARE(video.shownAt(4.0).first, 101);
+    }
+
+    void damagedPacketsEndNothing()
+    {
+        for (const char* name : { "mpeg4.avi", "opengop.mp4", "prores.mov" }) {
+            Video video(name);
+            QCOMPARE(video.decodeToEnd(10), VideoDecoder::endOfStream);
+            const int pictures = video.source.videoFrames.frameCount();
+            QVERIFY2(pictures > clip(name).frameCount / 2, qPrintable(QString::number(pictures)));
+        }
+    }
+
+    void picturesFarBehindTheClockAreDropped()
+    {
+        Video video("mpeg4.avi");
+        video.source.resetClock(2.0);
+        (void)video.decodeToEnd();
+        const double start = video.source.cachedStartTime(); // three frames are kept
+        QVERIFY(start > 2.0 - 4 * 0.04 && start < 2.0 - 2 * 0.04);
+    }
+
+    void landingIsJudgedByTheFirstPicture_data()
+    {
+        QTest::addColumn<double>("target");
+        QTest::addColumn<double>("landsAt"); // negative: the file ends
+        QTest::addColumn<Verdict>("verdict");
+        QTest::newRow("before the target") << 5.0 << 4.0 << Verdict::Landed;
+        QTest::newRow("after the target") << 2.0 << 6.0 << Verdict::Late;
+        QTest::newRow("no picture") << 2.0 << -1.0 << Verdict::Ended;
+    }
+    void landingIsJudgedByTheFirstPicture()
+    {
+        QFETCH(const double, target);
+        QFETCH(const double, landsAt);
+        QFETCH(const Verdict, verdict);
+        Video video("opengop.mp4");
+        QVERIFY(video.reader.readPackets(60) >= 0);
+        video.decodeQueued();
+        video.flush(video.source.landing.ask(target));
+        if (landsAt < 0) {
+            (void)video.source.videoPackets.putEndOfStream();
+            video.decodeQueued();
+        } else {
+            QVERIFY(video.reader.seek(landsAt) >= 0);
+            (void)video.decodeToEnd();
+        }
+        QCOMPARE(video.source.landing.verdict(), verdict);
+        QCOMPARE(video.source.videoFrames.frameCount() > 0, verdict == Verdict::Landed);
+    }
+
+    // With fewer places than pictures are decoded ahead, no file ever became ready.
+    void aFullCacheIsReadyAndHoldsTheLoopUntilTheAbort_data()
+    {
+        QTest::addColumn<int>("places");
+        QTest::newRow("many") << 40;
+        QTest::newRow("fewer than are decoded ahead") << 5;
+        QTest::newRow("picture larger than the budget") << 2;
+    }
+    void aFullCacheIsReadyAndHoldsTheLoopUntilTheAbort()
+    {
+        QFETCH(const int, places);
+        Video video("videoonly.mp4");
+        video.source.videoFrames.setCacheSize(0, 253440000 / places, 0.0F);
+        QCOMPARE(video.reader.readPackets(0), AVERROR_EOF);
+        VideoManager manager;
+        std::atomic<bool> ready{ false };
+        connect(&manager, &VideoManager::statusChanged,
+            [&ready](VideoManager::Status status) { ready = status == VideoManager::Ready; });
+        std::thread decoding([&] { manager.changeMediaSource(&video.source); });
+        (void)QTest::qWaitFor(
+            [&] { return ready && video.source.videoFrames.frameCount() == places; }, limitMs);
+        QTest::qWait(20);
+        const double start = video.source.cachedStartTime();
+        video.source.abortRequested = true;
+        decoding.join();
+        QVERIFY(ready);
+        QCOMPARE(video.source.videoFrames.frameCount(), places);
+        QVERIFY(start <= 0.0); // nothing was shown yet: the cache did not roll on
+    }
+};
+
+QTEST_GUILESS_MAIN(TestVideoDecoder)
+#include "tst_videodecoder.moc"
