@@ -9,6 +9,7 @@
 #include <QtTest>
 
 #include <csignal>
+#include <set>
 #include <sys/resource.h>
 
 namespace {
@@ -99,7 +100,7 @@ private Q_SLOTS:
             {"preferences", "cacheSize", "4096", "4096"},
             {"preferences", "cacheSize", "4097", "512"},
             {"preferences", "cacheSize", "99999999999999999999", "512"},
-            {"preferences", "cacheSize", "4294967808", "512"}, // 512 in its lower 32 bits
+            {"preferences", "cacheSize", "4294968320", "512"}, // 1024 in its lower 32 bits
             {"preferences", "cacheSize", "many", "512"},
             {"preferences", "numRecentFiles", "0", "0"},
             {"preferences", "numRecentFiles", "11", "5"},
@@ -152,6 +153,11 @@ private Q_SLOTS:
         settings() = Settings();
         loadSettings();
         QCOMPARE(texts(), saved);
+        std::set<SettingRow::Target> targets;
+        for (const SettingRow& row : settingRows(settings())) {
+            QVERIFY2(
+                targets.insert(row.target).second == row.saved, row.key); // no value has two keys
+        }
         QCOMPARE(settings().windowGeometry, geometry);
     }
 
@@ -185,11 +191,15 @@ private Q_SLOTS:
         std::signal(SIGXFSZ, SIG_IGN);
         rlimit old{};
         QCOMPARE(getrlimit(RLIMIT_FSIZE, &old), 0);
-        const rlimit tiny{ 100, old.rlim_max };
-        QCOMPARE(setrlimit(RLIMIT_FSIZE, &tiny), 0);
+        for (const int room : { 0, 100, before.size() }) { // the new text is longer
+            const rlimit limit{ rlim_t(room), old.rlim_max };
+            QCOMPARE(setrlimit(RLIMIT_FSIZE, &limit), 0);
+            saveSettings();
+            QCOMPARE(setrlimit(RLIMIT_FSIZE, &old), 0);
+            QCOMPARE(readFile(), before);
+        }
         saveSettings();
-        QCOMPARE(setrlimit(RLIMIT_FSIZE, &old), 0);
-        QCOMPARE(readFile(), before);
+        QVERIFY(readFile().size() > before.size());
     }
 
     void noUserDirectory_givesDefaultsAndWritesNowhere()
