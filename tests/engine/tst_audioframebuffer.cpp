@@ -56,7 +56,8 @@ private Q_SLOTS:
         QCOMPARE(int(sound.first()), first);
         QCOMPARE(int(sound.count(0)), 200 - sounding);
         QCOMPARE(readSound(buffer, 5, time + 0.2), QVector<int16_t>(5, 0));
-        buffer.put(block(time + 0.2, 700), rate, 0.0); // sound that comes after the silence is played
+        buffer.put(
+            block(time + 0.2, 700), rate, 0.0); // sound that comes after the silence is played
         QCOMPARE(int(readSound(buffer, 1, time + 0.2)[0]), 700);
         buffer.resetReadPosition();
         QCOMPARE(int(readSound(buffer, 1, 0.0)[0]), 100);
@@ -70,7 +71,7 @@ private Q_SLOTS:
         loud->samples[1] = -30000;
         loud->samples[2] = -5;
         buffer.put(std::move(loud), rate, 0.0);
-        QCOMPARE(readSound(buffer, 3, 0.0, 1.5), (QVector<int16_t> { 32767, -32768, -7 }));
+        QCOMPARE(readSound(buffer, 3, 0.0, 1.5), (QVector<int16_t>{ 32767, -32768, -7 }));
     }
 
     // The callback went on reading a block that was freed, some seconds into half speed.

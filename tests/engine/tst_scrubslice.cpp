@@ -5,7 +5,8 @@
 class TestScrubSlice : public QObject {
     Q_OBJECT
 
-    /// Plays a slice in blocks; its sample frame i holds i + 1 in the first channel and -(i + 1) in the second.
+    /// Plays a slice in blocks; its sample frame i holds i + 1 in the first channel and -(i + 1) in
+    /// the second.
     static QVector<int> play(int frames, int blockFrames, bool forward, int scratchFrames)
     {
         QVector<int16_t> scratch(scratchFrames * 2, 0);
@@ -16,8 +17,8 @@ class TestScrubSlice : public QObject {
         QVector<int> heard;
         for (int position = 0; position < frames; position += blockFrames) {
             QVector<int16_t> out(blockFrames * 2, 99);
-            ScrubSlice { scratch.constData(), scratch.size(), 2, frames, position, forward }.copyBlock(
-                out.data(), blockFrames);
+            ScrubSlice{ scratch.constData(), scratch.size(), 2, frames, position, forward }
+                .copyBlock(out.data(), blockFrames);
             for (int i = 0; i < blockFrames; ++i) {
                 heard << (out[2 * i] == -out[2 * i + 1] ? out[2 * i] : -1);
             }
@@ -32,7 +33,9 @@ private Q_SLOTS:
         QTest::addColumn<bool>("forward");
         QTest::addColumn<int>("scratchFrames");
         QTest::addColumn<QVector<int>>("heard"); // of a slice of 5 sample frames
-        const auto row = [](const char* name, int block, bool forward, int scratch, QVector<int> heard) {
+        using Heard = QVector<int>;
+        const auto row = [](const char* name, int block, bool forward, int scratch,
+                             const Heard& heard) {
             QTest::newRow(name) << block << forward << scratch << heard;
         };
         row("forwards", 2, true, 50, { 1, 2, 3, 4, 5, 0 });

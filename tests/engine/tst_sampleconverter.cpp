@@ -1,0 +1,77 @@
+#include "audioframebuffer.h"
+#include "sampleconverter.h"
+
+#include <QTest>
+
+extern "C" {
+#include <libavutil/channel_layout.h>
+#include <libavutil/frame.h>
+#include <libavutil/samplefmt.h>
+}
+
+class TestSampleConverter : public QObject {
+    Q_OBJECT
+
+    static constexpr int outputRate = 48000;
+
+    /// A tenth of a second at half of the format's range in every channel.
+    static AvPtr<AVFrame> sound(AVSampleFormat format, int channels, int rate)
+    {
+        AvPtr<AVFrame> frame = makeFrame();
+        frame->format = format;
+        frame->sample_rate = rate;
+        frame->nb_samples = rate / 10;
+        av_channel_layout_default(&frame->ch_layout, channels); // for 9 there is none
+        if (av_frame_get_buffer(frame.get(), 0) < 0) {
+            qFatal("No memory for a frame");
+        }
+        const int width = av_get_bytes_per_sample(format);
+        const QByteArray sample = QByteArray::fromHex(width == 1 ? "c0"
+                : width == 2                                     ? "0040"
+                                                                 : "0000003f");
+        const bool planar = av_sample_fmt_is_planar(format);
+        const QByteArray plane = sample.repeated(frame->nb_samples * (planar ? 1 : channels));
+        for (int i = 0; i < (planar ? channels : 1); ++i) {
+            std::copy(plane.begin(), plane.end(), frame->extended_data[i]);
+        }
+        return frame;
+    }
+
+private Q_SLOTS:
+    void convert_givesTheOpenedOutput_data()
+    {
+        QTest::addColumn<int>("format");
+        QTest::addColumn<int>("channels");
+        QTest::addColumn<int>("rate");
+        const auto row = [](const char* name, int format, int channels, int rate = outputRate) {
+            QTest::newRow(name) << format << channels << rate;
+        };
+        row("as opened", AV_SAMPLE_FMT_S16, 2);
+        row("8 bits, planar", AV_SAMPLE_FMT_U8P, 2);
+        row("other rate", AV_SAMPLE_FMT_FLTP, 2, 22050);
+        row("surround mixed down", AV_SAMPLE_FMT_FLT, 6);
+        row("one channel for two", AV_SAMPLE_FMT_S16, 1);
+        row("no known layout, packed floats", AV_SAMPLE_FMT_FLT, 9);
+        row("no known layout, planar", AV_SAMPLE_FMT_S16P, 9);
+        row("no known layout, 8 bits", AV_SAMPLE_FMT_U8, 9);
+    }
+    void convert_givesTheOpenedOutput()
+    {
+        QFETCH(int, format);
+        QFETCH(int, channels);
+        QFETCH(int, rate);
+        SampleConverter converter(2, outputRate);
+        // Whatever was converted before, a frame of another kind is made into the same output.
+        QVERIFY(converter.convert(*sound(AV_SAMPLE_FMT_S16P, 1, 8000), 0.0));
+        const auto block =
+            converter.convert(*sound(static_cast<AVSampleFormat>(format), channels, rate), 2.5);
+        QVERIFY(block && block->valueCount == block->sampleCount * 2 && block->time == 2.5);
+        QVERIFY(qAbs(block->sampleCount - outputRate / 10) < outputRate / 500);
+        const int middle = block->sampleCount / 2 * 2;
+        QVERIFY(block->samples[middle] > 8000);
+        QCOMPARE(block->samples[middle], block->samples[middle + 1]);
+    }
+};
+
+QTEST_GUILESS_MAIN(TestSampleConverter)
+#include "tst_sampleconverter.moc"

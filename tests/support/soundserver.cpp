@@ -1,0 +1,109 @@
+#include "soundserver.h"
+
+#include <QDeadlineTimer>
+#include <QDir>
+#include <QFile>
+#include <QtEndian>
+
+#include <cmath>
+#include <csignal>
+#include <sys/prctl.h>
+
+namespace {
+
+constexpr int startLimitMs = 20000;
+constexpr int pollMs = 10;
+
+void write(const QString& path, const char* text)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(text) < 0) {
+        qFatal("%s cannot be written", qPrintable(path));
+    }
+}
+
+} // namespace
+
+void SoundServer::Child::setupChildProcess()
+{
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+}
+
+SoundServer::SoundServer()
+{
+    const QString socket = m_folder.filePath("socket");
+    auto environment = QProcessEnvironment::systemEnvironment();
+    for (const char* name : { "HOME", "XDG_RUNTIME_DIR", "XDG_CONFIG_HOME", "PULSE_RUNTIME_PATH",
+             "PULSE_STATE_PATH" }) {
+        environment.insert(name, m_folder.path());
+    }
+    m_server.setProcessEnvironment(environment);
+    m_server.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    m_server.start("pulseaudio",
+        { "-n", "--daemonize=no", "--exit-idle-time=-1", "--disable-shm=yes", "--use-pid-file=no",
+            "--realtime=no", "--log-level=error", "-L",
+            "module-null-sink sink_name=out rate=48000 channels=2 format=s16le", "-L",
+            "module-native-protocol-unix auth-anonymous=1 socket=" + socket });
+    const QDeadlineTimer limit(startLimitMs);
+    while (!QFile::exists(socket)) {
+        if (limit.hasExpired() || m_server.waitForFinished(pollMs)) {
+            qFatal("The sound server did not start: %s", qPrintable(m_server.errorString()));
+        }
+    }
+
+    const QString config = m_folder.filePath("asound.conf");
+    write(config, "pcm.!default { type pulse hint { show on description \"Default\" } }\n");
+    qputenv("ALSA_CONFIG_PATH", "/usr/share/alsa/alsa.conf:" + config.toLocal8Bit());
+    qputenv("PULSE_SERVER", "unix:" + socket.toLocal8Bit());
+    qputenv("JACK_NO_START_SERVER", "1");
+}
+
+SoundServer::~SoundServer()
+{
+    for (Child* child : { &m_recorder, &m_server }) {
+        child->kill();
+        child->waitForFinished();
+    }
+}
+
+void SoundServer::startRecording()
+{
+    m_recorder.start("parec",
+        { "-d", "out.monitor", "--raw", "--format=s16le", "--rate=48000", "--channels=2",
+            "--latency-msec=20" });
+    if (!m_recorder.waitForReadyRead(startLimitMs)) {
+        qFatal("Nothing is recorded: %s", m_recorder.readAllStandardError().constData());
+    }
+}
+
+QVector<qint16> SoundServer::stopRecording()
+{
+    m_recorder.terminate();
+    m_recorder.waitForFinished();
+    const QByteArray bytes = m_recorder.readAllStandardOutput();
+    QVector<qint16> left;
+    for (int i = 0; i + 4 <= bytes.size(); i += 4) { // the two channels of a sample frame
+        left << qFromLittleEndian<qint16>(bytes.constData() + i);
+    }
+    return left;
+}
+
+// A configuration without any entry would end the program: PortAudio asserts that there is one.
+void SoundServer::hideDevices()
+{
+    const QString config = QDir::temp().filePath("nosound.conf");
+    write(config, "pcm.default { type hw card 99 }\n");
+    qputenv("ALSA_CONFIG_PATH", config.toLocal8Bit());
+}
+
+double toneStrength(const QVector<qint16>& sound, int first, int count, double hertz)
+{
+    double real = 0.0;
+    double imaginary = 0.0;
+    for (int i = 0; i < count; ++i) {
+        const double angle = 2.0 * M_PI * hertz * i / SoundServer::rate;
+        real += sound.value(first + i) * std::cos(angle);
+        imaginary += sound.value(first + i) * std::sin(angle);
+    }
+    return 2.0 * std::hypot(real, imaginary) / count;
+}

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QVector>
+
+/// A private sound server whose only output is heard by nobody, but can be recorded. While one
+/// lives, that output is the default sound device of this process and of the programs it starts.
+class SoundServer {
+public:
+    static constexpr int rate = 48000; // Hz, of the output and of recordings
+
+    /// Starts the server; a test ends with a message where it does not come up.
+    SoundServer();
+    ~SoundServer();
+
+    /// Records from now on.
+    void startRecording();
+    /// What was heard since: the left channel.
+    QVector<qint16> stopRecording();
+
+    /// Leaves this process without any sound device, as on a machine that has none.
+    static void hideDevices();
+
+private:
+    class Child : public QProcess { // ends with the test program, however that ends
+        void setupChildProcess() override;
+    };
+    QTemporaryDir m_folder;
+    Child m_server;
+    Child m_recorder;
+};
+
+/// Strength of the tone of `hertz` in count samples from `first` on: its amplitude, in sample
+/// values.
+double toneStrength(const QVector<qint16>& sound, int first, int count, double hertz);
