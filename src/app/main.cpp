@@ -36,7 +36,6 @@ int main(int argc, char* argv[])
 {
     // The sound library would start a sound server of its own where none runs.
     qputenv("JACK_NO_START_SERVER", "1");
-    QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
     QApplication application(argc, argv);
     QApplication::setApplicationVersion(QStringLiteral(VANTOR_VERSION));
     applyDarkTheme(application);

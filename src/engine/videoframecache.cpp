@@ -49,7 +49,9 @@ void VideoFrameCache::setCacheSize(int64_t cacheBytes, int64_t frameBytes, float
         const ScopedLock lock(m_mutex);
         // A picture larger than the whole budget still gets a place beside the one on show.
         m_capacity = std::max(static_cast<int>(fitting), leastFramesAhead);
-        const int share = static_cast<int>(static_cast<float>(m_capacity) * trailingShare);
+        // Settings can name any share; what is meant lies between none and all.
+        const float kept = std::clamp(trailingShare, 0.0F, 1.0F);
+        const int share = static_cast<int>(static_cast<float>(m_capacity) * kept);
         m_trailing = m_capacity - share < leastFramesAhead ? m_capacity - leastFramesAhead : share;
     }
     reset();
