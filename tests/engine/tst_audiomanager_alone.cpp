@@ -176,7 +176,7 @@ private Q_SLOTS:
             source.audioResyncRequested = true;
             source.scrubSampleCount = source.sampleRate / 4;
             source.scrubRequested = true;
-            QTRY_VERIFY(!source.scrubRequested);
+            QTRY_VERIFY(!source.scrubRequested && source.scrubSampleCount == 0);
             QTest::qWait(400);
             const auto sound = m_server->stopRecording();
             tones = times(sound, toneHertz);
