@@ -66,9 +66,14 @@ void allowCallbackOnAnyThread([[maybe_unused]] AVCodecContext& codec)
 
 void warnOfStream(const AVStream& stream, const char* what)
 {
+    // Of a codec that the library does not know, the file's own mark is all there is to name it by.
+    char mark[AV_FOURCC_MAX_STRING_SIZE] = {};
+    const AVCodecParameters& codec = *stream.codecpar;
+    const char* name = codec.codec_id != AV_CODEC_ID_NONE
+        ? avcodec_get_name(codec.codec_id)
+        : av_fourcc_make_string(mark, codec.codec_tag);
     Logger::displayWarning(QStringLiteral("No decoder for video stream: %1 (%2)")
-                               .arg(QString::fromUtf8(avcodec_get_name(stream.codecpar->codec_id)),
-                                   QString::fromUtf8(what)));
+                               .arg(QString::fromUtf8(name), QString::fromUtf8(what)));
 }
 
 QString errorText(int result)
