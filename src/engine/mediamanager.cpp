@@ -61,9 +61,15 @@ void MediaManager::load(MediaSource* mediaSrc)
     }
 }
 
+// A file that failed to open is still the source.
+bool MediaManager::isOpen() const
+{
+    return m_mediaSrc && m_mediaSrc->opened;
+}
+
 void MediaManager::read()
 {
-    if (!m_mediaSrc || !m_reader) {
+    if (!isOpen()) {
         return;
     }
     setStatus(Reading);
@@ -101,7 +107,7 @@ void MediaManager::offerEndMarkers()
 
 void MediaManager::seek()
 {
-    if (!m_mediaSrc || !m_reader) {
+    if (!isOpen()) {
         return;
     }
     if (m_mediaSrc->seekRequested.load(std::memory_order_acquire)) {

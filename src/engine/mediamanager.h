@@ -49,6 +49,7 @@ public Q_SLOTS:
     void seek();
 
 private:
+    [[nodiscard]] bool isOpen() const;
     void letGo();
     void runSeek(double target);
     bool discardAndFlush(double target, bool judged);
