@@ -1,5 +1,6 @@
 #include "frametimer.h"
 
+#include <QRegularExpression>
 #include <QTest>
 
 #include <cmath>
@@ -9,43 +10,14 @@ namespace {
 constexpr int64_t none = FrameTimer::noTime;
 constexpr double frameDuration = 0.04; // seconds; a tick of the streams here is one frame
 constexpr double exact = 1e-9; // seconds; sums of doubles
-
-struct Step {
-    enum Kind { Send, Show, Flush } kind;
-    int64_t decodeTime = none; // of the packet sent, or of the one that released the picture
-    double frames = 0.0; // time expected, in frame durations
-    bool guessed = false;
-    int64_t ownTime = none;
-    int repeatedFields = 0;
-};
-using Steps = QVector<Step>;
-
-constexpr bool guessed = true;
-
-Step send(int64_t decodeTime)
-{
-    return { Step::Send, decodeTime };
-}
-Step show(int64_t decodeTime, double frames, bool isGuessed = false, int64_t ownTime = none,
-    int repeatedFields = 0)
-{
-    return { Step::Show, decodeTime, frames, isGuessed, ownTime, repeatedFields };
-}
-Step flush()
-{
-    return { Step::Flush };
-}
-
 constexpr int packets = 60;
 
 /// Times of the pictures of a decoder that holds `reorder` packets back to sort them and
-/// `threadDelay` more to decode them at once. Of the packets every `missing`th has a decode time;
-/// 0: all.
-QVector<double> timesWith(int threadDelay, int reorder, int missing)
+/// `threadDelay` more to decode them at once. One packet of `known` has a decode time.
+QVector<double> timesWith(int threadDelay, int reorder, int known)
 {
-    const auto decodeTime = [missing](int packet) {
-        const bool known = packet < packets && (missing == 0 || packet % missing == 0);
-        return known ? int64_t{ packet } : none;
+    const auto decodeTime = [known](int packet) {
+        return packet < packets && packet % known == 0 ? int64_t{ packet } : none;
     };
     FrameTimer timer({ frameDuration, 1.0 / frameDuration });
     QVector<double> times;
@@ -62,99 +34,80 @@ QVector<double> timesWith(int threadDelay, int reorder, int missing)
 
 } // namespace
 
-Q_DECLARE_METATYPE(Steps)
-
 class TestFrameTimer : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    // >5 a packet with the decode time 5, >- one without; flush; 5=3 a picture that packet 5
+    // released, expected at frame 3; -@9+1=3? one of no packet with the own time 9 and a repeated
+    // field, expected at frame 3 by a guess.
     void rules_data()
     {
-        QTest::addColumn<Steps>("steps");
-        QTest::addColumn<double>("delay"); // frames
+        QTest::addColumn<QString>("steps");
+        QTest::addColumn<int>("delay"); // frames
         QTest::addColumn<bool>("ignoresDecodeTimes");
-        const auto row = [](const char* name, const Steps& steps, double delay = 0.0,
+        const auto row = [](const char* name, const char* steps, int delay = 0,
                              bool ignores = false) {
             QTest::newRow(name) << steps << delay << ignores;
         };
-        row("a late start is 0", { send(12), show(12, 0), send(13), show(13, 1) });
-        row("a start before 0 stays", { send(-2), show(-2, -2), send(-1), show(-1, -1) });
-        row("no decode times, repeated fields",
-            { send(none), show(none, 0, guessed, none, 1), send(none),
-                show(none, 1.5, guessed, none, 2), send(none), show(none, 3.5, guessed) });
-        row("one missing in the middle",
-            { send(0), show(0, 0), send(none), show(none, 1, guessed), send(2), show(2, 2) });
-        row("the decoder's last pictures",
-            { send(0), send(1), send(2), show(2, 0), send(3), show(3, 1), show(none, 2, guessed),
-                show(none, 3, guessed) });
-        row("a packet without picture foretells the next",
-            { send(0), show(0, 0), send(5), send(none), show(none, 5, guessed), send(7),
-                show(7, 7) });
-        row("decode times that mean nothing",
-            { send(90), show(90, 0, guessed), send(91), show(91, 1, guessed), send(7),
-                show(7, 2, guessed) },
-            0.0, true);
-        row("nor do they after a seek",
-            { send(0), show(0, 0, guessed), flush(), send(90), show(90, 50, false, 50), send(91),
-                show(91, 51, guessed, 51) },
-            0.0, true);
-        row("a delay is subtracted", { send(3), show(3, 0), send(4), show(4, 1) }, 2.0);
-        row("a seek keeps the start", { send(12), show(12, 0), flush(), send(62), show(62, 50) });
-        row("a seek before the first picture fixes none",
-            { flush(), send(50), show(50, 50), send(51), show(51, 51) });
-        row("a seek forgets what was sent",
-            { send(0), show(0, 0), send(8), send(9), flush(), send(20), send(none),
-                show(none, 20, guessed) });
-        row("a seek into a last group too short for a decode time",
-            { send(0), show(0, 0), flush(), show(none, 97, false, 97),
-                show(none, 98, guessed, 98) });
-        row("its own time counts only where nothing else is known",
-            { send(0), show(0, 0), flush(), send(90), send(91), show(none, 91, guessed, 95) });
+        row("a late start is 0", ">12 12=0 >13 13=1");
+        row("a start before 0 stays", ">-2 -2=-2 >-1 -1=-1");
+        row("repeated fields", ">- -+1=0? >- -+2=1.5? >- -=3.5?");
+        row("one missing", ">0 0=0 >- -=1? >2 2=2");
+        row("the decoder's last pictures", ">0 >1 >2 2=0 >3 3=1 -=2? -=3?");
+        row("a packet without picture foretells the next", ">0 0=0 >5 >- -=5? >7 7=7");
+        row("decode times that mean nothing", ">90 90=0? >91 91=1? >7 7=2?", 0, true);
+        row("nor after a seek", ">0 0=0? flush >90 90@50=50 >91 91@51=51?", 0, true);
+        row("a delay", ">3 3=0 >4 4=1", 2);
+        row("a delay longer than the start is late", ">1 1=-1 >2 2=0", 2);
+        row("a seek keeps the start", ">12 12=0 flush >62 62=50");
+        row("a seek before the first picture", "flush >50 50=50 >51 51=51");
+        row("a seek forgets what was sent", ">0 0=0 >8 >9 flush >20 >- -=20?");
+        row("a last group without decode times", ">0 0=0 flush -@97=97 -@98=98?");
+        row("own time beside decode times", ">0 0=0 flush >90 >91 -@95=91?");
     }
     void rules()
     {
-        QFETCH(const Steps, steps);
-        QFETCH(const double, delay);
+        QFETCH(const QString, steps);
+        QFETCH(const int, delay);
         QFETCH(const bool, ignoresDecodeTimes);
         FrameTimer timer(
             { frameDuration, 1.0 / frameDuration, delay * frameDuration, ignoresDecodeTimes });
-        for (const Step& step : steps) {
-            if (step.kind == Step::Send) {
-                timer.packetSent(step.decodeTime);
-            } else if (step.kind == Step::Flush) {
+        const QRegularExpression picture(R"(^(-|-?\d+)(@\d+)?(\+\d)?=(-?[\d.]+)(\??)$)");
+        const auto ticks = [](const QString& text) {
+            bool isNumber = false;
+            const int64_t value = text.toLongLong(&isNumber);
+            return isNumber ? value : none;
+        };
+        for (const QString& step : steps.split(' ')) {
+            const QRegularExpressionMatch match = picture.match(step);
+            if (step == "flush") {
                 timer.flush();
+            } else if (step.startsWith('>')) {
+                timer.packetSent(ticks(step.mid(1)));
             } else {
-                const double time =
-                    timer.timeOf({ step.decodeTime, none, step.ownTime, step.repeatedFields });
-                QVERIFY2(std::abs(time - step.frames * frameDuration) < exact,
-                    qPrintable(QStringLiteral("%1 instead of %2")
-                                   .arg(time / frameDuration)
-                                   .arg(step.frames)));
-                QCOMPARE(timer.wasGuessed(), step.guessed);
+                QVERIFY(match.hasMatch());
+                const double time = timer.timeOf({ ticks(match.captured(1)), none,
+                    ticks(match.captured(2).mid(1)), match.captured(3).toInt() });
+                const double off = time / frameDuration - match.captured(4).toDouble();
+                QVERIFY2(
+                    std::abs(off) < exact, qPrintable(QString("%1 off %2").arg(step).arg(off)));
+                QCOMPARE(timer.wasGuessed(), !match.captured(5).isEmpty());
             }
         }
     }
 
-    void timesDoNotDependOnWhenPicturesComeOut_data()
-    {
-        QTest::addColumn<int>("reorder"); // packets before the first picture can be shown
-        QTest::addColumn<int>("missing"); // one packet of so many has a decode time; 0: all have
-        QTest::newRow("in order") << 0 << 0;
-        QTest::newRow("reordered") << 2 << 0;
-        QTest::newRow("most decode times missing") << 3 << 1000;
-        QTest::newRow("some missing") << 2 << 3;
-    }
     void timesDoNotDependOnWhenPicturesComeOut()
     {
-        QFETCH(const int, reorder);
-        QFETCH(const int, missing);
-        const QVector<double> times = timesWith(0, reorder, missing);
-        QCOMPARE(times.size(), packets);
-        for (const int threadDelay : { 1, 2, 7 }) {
-            QCOMPARE(timesWith(threadDelay, reorder, missing), times);
-        }
-        for (int i = 0; i < packets && missing == 0; ++i) {
-            QVERIFY(std::abs(times[i] - i * frameDuration) < exact);
+        for (const auto& [reorder, known] :
+            { std::pair(0, 1), std::pair(2, 1), std::pair(3, packets), std::pair(2, 3) }) {
+            const QVector<double> times = timesWith(0, reorder, known);
+            for (const int threadDelay : { 1, 2, 7 }) {
+                QCOMPARE(timesWith(threadDelay, reorder, known), times);
+            }
+            for (int i = 0; i < packets && known == 1; ++i) {
+                QVERIFY(std::abs(times[i] - i * frameDuration) < exact);
+            }
         }
     }
 
@@ -167,12 +120,12 @@ private Q_SLOTS:
                 QCOMPARE(FrameTimer::onGrid(stamp, 1.0 / rate), frame * (1.0 / rate));
             }
         }
-        for (const double offset : { 0.0011, -0.0011, 0.02 }) { // off the grid
-            QCOMPARE(FrameTimer::onGrid(4.0 + offset, frameDuration), 4.0 + offset);
-        }
         const double fast = 1.0 / 500; // a quarter of its frame is less than a millisecond
         QCOMPARE(FrameTimer::onGrid(4.0004, fast), 4.0);
-        QCOMPARE(FrameTimer::onGrid(4.0006, fast), 4.0006);
+        for (const auto& [seconds, duration] :
+            { std::pair(4.0006, fast), std::pair(4.0011, 0.04), std::pair(3.9989, 0.04) }) {
+            QCOMPARE(FrameTimer::onGrid(seconds, duration), seconds); // off the grid
+        }
     }
 };
 

@@ -47,7 +47,7 @@ AvPtr<AVFrame> flatPicture(int width, int height, AVPixelFormat format, const Pl
 }
 
 /// Empty where every pixel of the converted picture is of that colour.
-QByteArray wrongPixel(
+QString wrongPixel(
     RgbConverter& converter, int width, int height, const AVFrame& source, const Rgb& colour)
 {
     DecodedVideoFrame target(converter.pictureBytes(), width, height);
@@ -55,19 +55,26 @@ QByteArray wrongPixel(
     if (converter.convert(source, target) < 0) {
         return "not converted";
     }
-    for (int y = 0; y < height; ++y) {
-        for (int i = 0; i < width * 3; ++i) {
-            const int value = target.data[ptrdiff_t{ y } * converter.rowBytes() + i];
-            if (std::abs(value - colour[i % 3]) > tolerance) {
-                return QString::asprintf("%dx%d %s: x %d y %d %c is %d", source.width,
-                    source.height, av_get_pix_fmt_name(static_cast<AVPixelFormat>(source.format)),
-                    i / 3, y, "RGB"[i % 3], value)
-                    .toLatin1();
-            }
+    for (int i = 0; i < width * 3 * height; ++i) {
+        const int x = i % (width * 3);
+        const int y = i / (width * 3);
+        const int value = target.data[ptrdiff_t{ y } * converter.rowBytes() + x];
+        if (std::abs(value - colour[x % 3]) > tolerance) {
+            return QString::asprintf("%dx%d, format %d: at %d, %d %c is %d", source.width,
+                source.height, source.format, x / 3, y, "RGB"[x % 3], value);
         }
     }
     return {};
 }
+
+struct Tags {
+    AVPixelFormat format;
+    AVColorSpace matrix;
+    AVColorRange range;
+    double redWeight; // and what the picture is encoded with
+    double blueWeight;
+    bool fullRange;
+};
 
 } // namespace
 
@@ -75,92 +82,67 @@ class TestRgbConverter : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void coloursAreThoseOfTheTags_data()
-    {
-        QTest::addColumn<int>("format");
-        QTest::addColumn<int>("matrix");
-        QTest::addColumn<int>("range");
-        QTest::addColumn<double>("redWeight"); // and what the picture is encoded with
-        QTest::addColumn<double>("blueWeight");
-        QTest::addColumn<bool>("fullRange");
-        const int yuv = AV_PIX_FMT_YUV420P;
-        const int unknown = AVCOL_SPC_UNSPECIFIED;
-        const int unknownRange = AVCOL_RANGE_UNSPECIFIED;
-        const int tv = AVCOL_RANGE_MPEG;
-        const int pc = AVCOL_RANGE_JPEG;
-        const int bt601 = AVCOL_SPC_SMPTE170M;
-        const int bt709 = AVCOL_SPC_BT709;
-        QTest::newRow("BT.601 limited") << yuv << bt601 << tv << 0.299 << 0.114 << false;
-        QTest::newRow("BT.601 full") << yuv << bt601 << pc << 0.299 << 0.114 << true;
-        QTest::newRow("BT.709 limited") << yuv << bt709 << tv << 0.2126 << 0.0722 << false;
-        QTest::newRow("BT.709 full") << yuv << bt709 << pc << 0.2126 << 0.0722 << true;
-        QTest::newRow("BT.709 alone") << yuv << bt709 << unknownRange << 0.2126 << 0.0722 << false;
-        QTest::newRow("untagged") << yuv << unknown << unknownRange << 0.299 << 0.114 << false;
-        QTest::newRow("full by its format")
-            << int(AV_PIX_FMT_YUVJ444P) << unknown << unknownRange << 0.299 << 0.114 << true;
-    }
     void coloursAreThoseOfTheTags()
     {
-        QFETCH(const int, format);
-        QFETCH(const int, matrix);
-        QFETCH(const int, range);
-        QFETCH(const double, redWeight);
-        QFETCH(const double, blueWeight);
-        QFETCH(const bool, fullRange);
-        for (const Rgb& colour : { Rgb{ 200, 60, 40 }, Rgb{ 30, 180, 90 }, Rgb{ 60, 40, 220 },
-                 Rgb{ 20, 20, 20 }, Rgb{ 255, 255, 255 }, Rgb{ 0, 0, 0 } }) {
-            RgbConverter converter(64, 32);
-            QVERIFY(converter.open(format) >= 0);
-            const AvPtr<AVFrame> source = flatPicture(64, 32, static_cast<AVPixelFormat>(format),
-                encoded(colour, redWeight, blueWeight, fullRange));
-            source->colorspace = static_cast<AVColorSpace>(matrix);
-            source->color_range = static_cast<AVColorRange>(range);
-            QCOMPARE(wrongPixel(converter, 64, 32, *source, colour), QByteArray());
+        const AVPixelFormat yuv = AV_PIX_FMT_YUV420P;
+        for (const Tags& tags :
+            { Tags{ yuv, AVCOL_SPC_SMPTE170M, AVCOL_RANGE_MPEG, 0.299, 0.114, false },
+                Tags{ yuv, AVCOL_SPC_SMPTE170M, AVCOL_RANGE_JPEG, 0.299, 0.114, true },
+                Tags{ yuv, AVCOL_SPC_BT709, AVCOL_RANGE_MPEG, 0.2126, 0.0722, false },
+                Tags{ yuv, AVCOL_SPC_BT709, AVCOL_RANGE_JPEG, 0.2126, 0.0722, true },
+                Tags{ yuv, AVCOL_SPC_BT709, AVCOL_RANGE_UNSPECIFIED, 0.2126, 0.0722, false },
+                Tags{ yuv, AVCOL_SPC_UNSPECIFIED, AVCOL_RANGE_UNSPECIFIED, 0.299, 0.114, false },
+                Tags{ AV_PIX_FMT_YUVJ444P, AVCOL_SPC_UNSPECIFIED, AVCOL_RANGE_UNSPECIFIED, 0.299,
+                    0.114, true } }) {
+            for (const Rgb& colour : { Rgb{ 200, 60, 40 }, Rgb{ 30, 180, 90 }, Rgb{ 60, 40, 220 },
+                     Rgb{ 20, 20, 20 }, Rgb{ 255, 255, 255 } }) {
+                RgbConverter converter(64, 32);
+                QVERIFY(converter.open(tags.format) >= 0);
+                const AvPtr<AVFrame> source = flatPicture(64, 32, tags.format,
+                    encoded(colour, tags.redWeight, tags.blueWeight, tags.fullRange));
+                source->colorspace = tags.matrix;
+                source->color_range = tags.range;
+                QCOMPARE(wrongPixel(converter, 64, 32, *source, colour), QString());
+            }
         }
     }
 
     // The last columns of odd widths, and pictures unlike the first, read by that one's planes.
-    void everyPixelIsWrittenWhateverThePicture_data()
-    {
-        QTest::addColumn<int>("width");
-        for (const int width : { 2, 31, 32, 33, 320, 638, 1366 }) {
-            QTest::newRow(qPrintable(QString::number(width))) << width;
-        }
-    }
     void everyPixelIsWrittenWhateverThePicture()
     {
-        QFETCH(const int, width);
-        constexpr int height = 90;
-        const Planes yuv = encoded({ 40, 170, 110 }, 0.299, 0.114, false);
-        RgbConverter converter(width, height);
-        QVERIFY(converter.open(AV_PIX_FMT_YUV420P) >= 0);
-        QVERIFY(converter.rowBytes() % 4 == 0 && converter.rowBytes() - width * 3 < 4);
-        QCOMPARE(converter.pictureBytes(), converter.rowBytes() * height);
-        for (const auto& [w, h] : { std::pair(width, height), std::pair(width / 2, 45),
-                 std::pair(width + 7, 201), std::pair(8, 720), std::pair(width, height) }) {
-            for (const AVPixelFormat format : { AV_PIX_FMT_YUV420P, AV_PIX_FMT_YUV444P }) {
-                const AvPtr<AVFrame> source = flatPicture(w, h, format, yuv);
-                QCOMPARE(
-                    wrongPixel(converter, width, height, *source, { 40, 170, 110 }), QByteArray());
+        const Rgb colour{ 40, 170, 110 };
+        const Planes yuv = encoded(colour, 0.299, 0.114, false);
+        const int height = 90;
+        for (const int width : { 2, 31, 32, 33, 320, 638, 1366 }) {
+            RgbConverter converter(width, height);
+            QVERIFY(converter.open(AV_PIX_FMT_YUV420P) >= 0);
+            QVERIFY(converter.rowBytes() % 4 == 0 && converter.rowBytes() - width * 3 < 4);
+            for (const auto& [w, h] : { std::pair(width, height), std::pair(width / 2, 45),
+                     std::pair(width + 7, 201), std::pair(8, 720), std::pair(width, height) }) {
+                const auto shows = [&, w = w, h = h](
+                                       AVPixelFormat format, const Planes& values, const Rgb& rgb) {
+                    const AvPtr<AVFrame> source = flatPicture(w, h, format, values);
+                    return wrongPixel(converter, width, height, *source, rgb);
+                };
+                QCOMPARE(shows(AV_PIX_FMT_YUV420P, yuv, colour), QString());
+                QCOMPARE(shows(AV_PIX_FMT_YUV444P, yuv, colour), QString());
+                QCOMPARE(shows(AV_PIX_FMT_GBRP, { 170, 110, 40 }, colour), QString());
+                // Scaled grey, which has the full range by itself, was taken for limited.
+                QCOMPARE(shows(AV_PIX_FMT_GRAY8, { 70 }, { 70, 70, 70 }), QString());
             }
-            const AvPtr<AVFrame> rgb = flatPicture(w, h, AV_PIX_FMT_GBRP, { 170, 110, 40 });
-            QCOMPARE(wrongPixel(converter, width, height, *rgb, { 40, 170, 110 }), QByteArray());
-            // Grey is full range where nothing else is told; scaled, it was taken for limited.
-            const AvPtr<AVFrame> grey = flatPicture(w, h, AV_PIX_FMT_GRAY8, { 70 });
-            QCOMPARE(wrongPixel(converter, width, height, *grey, { 70, 70, 70 }), QByteArray());
         }
     }
 
     void whatCannotBeConvertedIsRefusedAndEndsNothing()
     {
-        QVERIFY(RgbConverter(320, 180).open(AV_PIX_FMT_VAAPI) < 0);
         RgbConverter converter(320, 180);
+        QVERIFY(converter.open(AV_PIX_FMT_VAAPI) < 0);
         QVERIFY(converter.open(AV_PIX_FMT_NONE) >= 0); // known with the first picture
         const AvPtr<AVFrame> source = flatPicture(320, 180, AV_PIX_FMT_GRAY8, { 20 });
         source->format = AV_PIX_FMT_VAAPI;
-        QCOMPARE(wrongPixel(converter, 320, 180, *source, {}), QByteArray("not converted"));
+        QCOMPARE(wrongPixel(converter, 320, 180, *source, {}), "not converted");
         source->format = AV_PIX_FMT_GRAY8;
-        QCOMPARE(wrongPixel(converter, 320, 180, *source, { 20, 20, 20 }), QByteArray());
+        QCOMPARE(wrongPixel(converter, 320, 180, *source, { 20, 20, 20 }), QString());
     }
 };
 

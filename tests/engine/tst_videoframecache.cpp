@@ -8,47 +8,33 @@
 
 namespace {
 
-constexpr double duration = 0.04; // seconds
 constexpr int pictureBytes = 64;
+constexpr int64_t smallestBudget = 253440000; // bytes
 
-bool put(VideoFrameCache& cache, double time)
+// Picture i starts at i seconds, lasts one and is filled with i.
+bool put(VideoFrameCache& cache, int index)
 {
     auto picture = std::make_unique<DecodedVideoFrame>(pictureBytes, 4, 4);
-    std::fill_n(picture->data.get(), pictureBytes, static_cast<uint8_t>(time / duration + 0.5));
-    picture->time = time;
-    return cache.put(picture, duration) && !picture;
+    std::fill_n(picture->data.get(), pictureBytes, static_cast<uint8_t>(index));
+    picture->time = index;
+    return cache.put(picture, 1.0) && !picture;
 }
 
-void fill(VideoFrameCache& cache, int first, int count)
+/// Puts pictures while the cache says that it has room for one; the first it had none for.
+int fill(VideoFrameCache& cache, int next = 0, double clock = 0.0)
 {
-    for (int i = first; i < first + count; ++i) {
-        QVERIFY(put(cache, i * duration));
-    }
-}
-
-/// Puts pictures from `next` on while the cache says it has room for one; the first it had none
-/// for.
-int fillWhileThereIsRoom(VideoFrameCache& cache, int next, double clock)
-{
-    while (cache.hasRoom(clock) && next < 100) {
-        fill(cache, next++, 1);
+    while (cache.hasRoom(clock) && next < 100 && put(cache, next)) {
+        ++next;
     }
     return next;
 }
 
-/// Index of the picture shown at that time, -1 for none.
+/// The picture shown at that time, -1 for none.
 int shownAt(VideoFrameCache& cache, double seconds)
 {
     const ScopedLock lock(cache.mutex());
     const DecodedVideoFrame* frame = cache.frameAt(seconds);
-    return frame ? static_cast<int>(std::lround(frame->time / duration)) : -1;
-}
-
-/// Makes room for exactly that many pictures.
-void setCapacity(VideoFrameCache& cache, int pictures, float trailingShare = 0.5F)
-{
-    cache.setCacheSize(0, 253440000 / pictures, trailingShare);
-    QCOMPARE(cache.capacity(), pictures);
+    return frame ? frame->data[pictureBytes - 1] : -1;
 }
 
 } // namespace
@@ -64,17 +50,17 @@ private Q_SLOTS:
         QTest::addColumn<float>("share");
         QTest::addColumn<int>("capacity");
         QTest::addColumn<int>("trailing");
-        const qint64 hd = 1920 * 1080 * 3;
-        const qint64 third = 253440000 / 3;
-        QTest::newRow("minimum budget")
-            << qint64(100000000) << qint64(1000) << 0.5F << 253440 << 126720;
-        QTest::newRow("minimum, full HD") << qint64(0) << hd << 0.7F << 40 << 28;
-        QTest::newRow("just above the minimum") << qint64(256000000) << hd << 0.7F << 40 << 28;
-        QTest::newRow("more than 32 bits") << qint64(8000000000) << hd << 0.8F << 1273 << 1018;
-        QTest::newRow("two ahead at least") << qint64(0) << third << 1.0F << 3 << 1;
-        QTest::newRow("nothing behind") << qint64(0) << hd << 0.0F << 40 << 0;
-        QTest::newRow("beyond the budget") << qint64(0) << qint64(300000000) << 0.8F << 2 << 0;
-        QTest::newRow("size not known") << qint64(0) << qint64(0) << 0.5F << 253440000 << 126720000;
+        const auto row = [](const char* name, qint64 cache, qint64 frame, float share, int capacity,
+                             int trailing) {
+            QTest::newRow(name) << cache << frame << share << capacity << trailing;
+        };
+        row("minimum budget", 100000000, 1000, 0.5F, 253440, 126720);
+        row("minimum, full HD", 0, 6220800, 0.7F, 40, 28);
+        row("just above the minimum", 256000000, 6220800, 0.7F, 40, 28);
+        row("more than 32 bits", 8000000000, 6220800, 0.8F, 1273, 1018);
+        row("two ahead at least", 0, smallestBudget / 3, 1.0F, 3, 1);
+        row("picture larger than the budget", 0, 300000000, 0.8F, 2, 0);
+        row("size not known", 0, 0, 0.0F, 253440000, 0);
     }
     void budget()
     {
@@ -87,43 +73,23 @@ private Q_SLOTS:
         QTEST(cache.trailing(), "trailing");
     }
 
-    void frameAt_data()
-    {
-        QTest::addColumn<double>("seconds");
-        QTest::addColumn<int>("index"); // of pictures at 25, 26 and 27 times 0.04 s
-        QTest::newRow("before all") << 0.5 << 25;
-        QTest::newRow("inside the second") << 1.05 << 26;
-        QTest::newRow("exactly the third") << 27 * duration << 27;
-        QTest::newRow("a hair before it") << std::nextafter(27 * duration, 0.0) << 26;
-        QTest::newRow("after all") << 9.0 << 27;
-    }
-    void frameAt()
-    {
-        QFETCH(const double, seconds);
-        VideoFrameCache cache;
-        QCOMPARE(shownAt(cache, seconds), -1);
-        fill(cache, 25, 3);
-        QTEST(shownAt(cache, seconds), "index");
-    }
-
-    void frameAt_searchEqualsScan()
+    void frameAt_isTheLastThatStartsByThen()
     {
         std::minstd_rand random(11);
-        for (size_t count = 1; count <= 40; ++count) {
+        for (size_t count = 0; count <= 40; ++count) {
             VideoFrameCache cache;
-            std::vector<double> times;
+            std::vector<int> times;
             while (times.size() < count) { // some at the same time, some out of order
-                times.push_back(static_cast<double>(random() % 30));
+                times.push_back(static_cast<int>(random() % 30 + 1));
                 QVERIFY(put(cache, times.back()));
             }
             std::sort(times.begin(), times.end());
-            for (double t = -0.5; t < 31.0; t += 0.5) {
+            for (double t = 0.0; t < 32.0; t += 0.5) { // before all, exactly, between, after all
                 size_t i = 1;
                 while (i < count && times[i] <= t) {
                     ++i;
                 }
-                const ScopedLock lock(cache.mutex());
-                QCOMPARE(cache.frameAt(t)->time, times[i - 1]);
+                QCOMPARE(shownAt(cache, t), count > 0 ? times[i - 1] : -1);
             }
         }
     }
@@ -131,55 +97,44 @@ private Q_SLOTS:
     void beforeAnythingIsShownItRollsUpToTheClock()
     {
         VideoFrameCache cache;
-        setCapacity(cache, 10);
-        const double clock = 3.5 * duration;
-        QCOMPARE(fillWhileThereIsRoom(cache, 0, clock), 13);
-        QCOMPARE(cache.startTime(), 3 * duration); // and the next starts after the clock
-        QCOMPARE(shownAt(cache, clock), 3);
-        QVERIFY(!put(cache, 13 * duration)); // from now on the trailing share decides
+        cache.setCacheSize(0, smallestBudget / 10, 0.5F);
+        QCOMPARE(fill(cache, 0, 3.5), 13);
+        QVERIFY(cache.startTime() == 3.0 && cache.endTime() == 13.0);
+        QCOMPARE(cache.byteCount(), int64_t{ 10 * pictureBytes });
+        QVERIFY(cache.contains(3.0) && cache.contains(13.0));
+        QVERIFY(!cache.contains(2.9) && !cache.contains(13.1));
+        QCOMPARE(shownAt(cache, 3.5), 3);
+        QVERIFY(!put(cache, 13)); // from now on the trailing share decides
     }
 
     void onceShownItKeepsTheTrailingShare()
     {
         VideoFrameCache cache;
-        setCapacity(cache, 10);
-        fill(cache, 0, 10);
+        cache.setCacheSize(0, smallestBudget / 10, 0.5F);
+        QCOMPARE(fill(cache), 10);
         for (const int head : { 0, 3, 5 }) {
-            QCOMPARE(shownAt(cache, head * duration), head);
-            QVERIFY(!cache.hasRoom(head * duration) && !put(cache, 10 * duration));
+            QCOMPARE(shownAt(cache, head), head);
+            QVERIFY(!cache.hasRoom(head) && !put(cache, 10));
         }
-        QCOMPARE(shownAt(cache, 8 * duration), 8); // three places further than may stay behind
-        QCOMPARE(fillWhileThereIsRoom(cache, 10, 8 * duration), 13);
-        QCOMPARE(cache.endTime(), 13 * duration);
-        QCOMPARE(cache.byteCount(), int64_t{ 10 * pictureBytes });
-        QVERIFY(cache.contains(3 * duration) && cache.contains(13 * duration));
-        QVERIFY(!cache.contains(2.9 * duration) && !cache.contains(13.1 * duration));
+        QCOMPARE(shownAt(cache, 8.0), 8); // three places further than may stay behind
+        QCOMPARE(fill(cache, 10, 8.0), 13);
     }
 
     void reset_keepsThePictureUntilALaterPut()
     {
         VideoFrameCache cache;
-        fill(cache, 0, 5);
-        const DecodedVideoFrame* held = nullptr;
-        {
-            const ScopedLock lock(cache.mutex());
-            held = cache.frameAt(3 * duration);
-        }
-        cache.reset();
-        QCOMPARE(shownAt(cache, 3 * duration), -1);
-        fill(cache, 50, 1); // gives back 0 and 1
-        QCOMPARE(held->data[pictureBytes - 1], uint8_t{ 3 });
-        fill(cache, 51, 10);
-    }
-
-    void everyPlaceIsThereAfterAReset()
-    {
-        VideoFrameCache cache;
         for (const int places : { 20, 5, 30 }) { // full, then smaller, then larger
-            setCapacity(cache, places);
-            QCOMPARE(cache.byteCount(), int64_t{ 0 });
-            QVERIFY(!cache.contains(0.0)); // an empty cache contains no time
-            QCOMPARE(fillWhileThereIsRoom(cache, 0, 0.0), places);
+            cache.setCacheSize(0, smallestBudget / places, 0.5F);
+            QVERIFY(!cache.contains(0.0) && cache.byteCount() == 0); // empty: contains no time
+            QCOMPARE(fill(cache), places);
+            const DecodedVideoFrame* held = nullptr;
+            {
+                const ScopedLock lock(cache.mutex());
+                held = cache.frameAt(3.0);
+            }
+            cache.reset();
+            QCOMPARE(shownAt(cache, 3.0), -1);
+            QCOMPARE(held->data[pictureBytes - 1], uint8_t{ 3 });
         }
     }
 
@@ -190,13 +145,12 @@ private Q_SLOTS:
             const ScopedLock lock(cache.mutex());
             return cache.isDecodedUpTo(seconds);
         };
-        fill(cache, 10, 3);
-        QVERIFY(isDecodedUpTo(12.9 * duration) && !isDecodedUpTo(13 * duration));
-        cache.setEndTime(5 * duration); // the container names less than there is
-        QCOMPARE(cache.endTime(), 13 * duration);
-        QVERIFY(isDecodedUpTo(99.0));
-        cache.setEndTime(20 * duration);
-        QCOMPARE(cache.endTime(), 20 * duration);
+        QVERIFY(put(cache, 12));
+        QVERIFY(isDecodedUpTo(12.9) && !isDecodedUpTo(13.0));
+        cache.setEndTime(5.0); // the container names less than there is
+        QVERIFY(cache.endTime() == 13.0 && isDecodedUpTo(99.0));
+        cache.setEndTime(20.0);
+        QCOMPARE(cache.endTime(), 20.0);
         cache.reset();
         QVERIFY(!isDecodedUpTo(0.0));
         cache.setEndTime(5.0);
@@ -206,12 +160,11 @@ private Q_SLOTS:
     void whatIsDiscardedIsMemoryForTheNext()
     {
         VideoFrameCache cache;
-        setCapacity(cache, 3);
-        fill(cache, 0, 3);
+        cache.setCacheSize(0, smallestBudget / 3, 0.5F);
+        QCOMPARE(fill(cache), 3);
         cache.discarding = true;
-        QVERIFY(cache.hasRoom(0.0));
-        fill(cache, 3, 9);
-        QCOMPARE(shownAt(cache, 99.0), 2);
+        QCOMPARE(fill(cache, 3), 100);
+        QVERIFY(shownAt(cache, 99.0) == 2 && cache.frameCount() == 3);
         const auto recycled = cache.obtain(pictureBytes, 2, 8);
         QVERIFY(recycled->data[0] >= 3 && recycled->width == 2 && recycled->height == 8);
         const auto larger = cache.obtain(2 * pictureBytes, 8, 4);
