@@ -166,7 +166,7 @@ bool MediaManager::discardAndFlush(double target, bool judged)
     source.audioFrames.discarding.store(true, std::memory_order_release);
     source.readFailed.store(false, std::memory_order_release);
     m_endMarked = false;
-    const bool asks = judged && source.videoStream && source.videoDecoding;
+    const bool asks = judged && source.picturesPaceSound() && source.videoDecoding;
     const int64_t serial = asks ? source.landing.ask(target) : 0;
     source.audioPackets.flush();
     source.videoPackets.flush(serial);

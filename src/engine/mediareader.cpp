@@ -219,6 +219,7 @@ int MediaReader::openVideo(int index, AvPtr<AVCodecContext> codec)
     }
     m_source->videoStreamIndex = index;
     m_source->videoStream = stream;
+    m_source->isCover = isCover(*stream);
     m_source->width = codec->width;
     m_source->height = codec->height;
     m_source->frameRate = frameRateOf(*stream);
@@ -242,7 +243,7 @@ int MediaReader::describeDuration()
 {
     const AVFormatContext& context = *m_source->formatContext;
     const AVStream* video = m_source->videoStream;
-    const bool hasFrameCount = video && video->nb_frames > 0;
+    const bool hasFrameCount = video && !m_source->isCover && video->nb_frames > 0;
     // A length worked out from the bit rate is a guess, often far off.
     const bool hasDuration = context.duration != AV_NOPTS_VALUE && context.duration > 0
         && context.duration_estimation_method != AVFMT_DURATION_FROM_BITRATE;
@@ -266,8 +267,8 @@ int MediaReader::describeDuration()
 
 int MediaReader::scanDuration(double& seconds)
 {
-    const AVStream& stream =
-        m_source->videoStream ? *m_source->videoStream : *m_source->audioStream;
+    const bool byPictures = m_source->videoStream && !(m_source->isCover && m_source->audioStream);
+    const AVStream& stream = byPictures ? *m_source->videoStream : *m_source->audioStream;
     const double unit = ratio(stream.time_base);
     double first = std::numeric_limits<double>::infinity();
     double end = -first;

@@ -51,7 +51,7 @@ int MediaSource::videoHeight() const
 
 bool MediaSource::picturesPaceSound() const
 {
-    return videoStream && !videoUnused && !(videoStream->disposition & AV_DISPOSITION_ATTACHED_PIC);
+    return videoStream && !videoUnused && !isCover;
 }
 
 double MediaSource::soundReferenceTime()

@@ -71,6 +71,7 @@ public:
     int planar = 0;
     int bytesPerSample = 0;
     int sampleRate = 0; // Hz
+    bool isCover = false; // the only picture is a cover, on show all the time
     int width = -1; // pixels
     int height = -1; // pixels
     double frameRate = -1.0; // frames per second; 25 where the file names none

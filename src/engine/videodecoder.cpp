@@ -120,6 +120,11 @@ void VideoDecoder::handlePicture()
 {
     const double time = m_timer.timeOf(
         { m_frame->pkt_dts, pictureTag(*m_frame), m_frame->pts, m_frame->repeat_pict });
+    if (m_source->isCover) {
+        convertAndStore(0.0);
+        m_source->videoFrames.setEndTime(m_source->containerDuration);
+        return;
+    }
     if (!passesLanding(time)) {
         return;
     }

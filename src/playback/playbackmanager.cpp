@@ -245,7 +245,7 @@ void PlaybackManager::seek(bool clearCache, double time, double audioScrubDurati
     source.audioResyncRequested = true;
     if (m_seekRunning) {
         m_pendingSeekTime = target;
-    } else if (!clearCache && source.videoFrames.contains(target)) {
+    } else if (!clearCache && source.picturesPaceSound() && source.videoFrames.contains(target)) {
         source.resetClock(target);
         updatePlaybackTime();
         if (m_revision == revision) {

@@ -1,6 +1,9 @@
 #include "clips.h"
+#include "framecode.h"
 #include "playbackrig.h"
 
+#include <QImage>
+#include <QProcess>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -15,6 +18,7 @@ private Q_SLOTS:
     void playing_endsPausedOnTheLastFrame();
     void playing_isNotStarvedWithoutASoundDevice();
     void soundOnly_withoutADeviceIsNoMedia();
+    void aCover_isShownAllTheTime();
     void requestsThatDoNothing();
     void steppingWhileASeekRuns_addsUp();
     void unsupportedName_givesUpTheOpenFile();
@@ -102,6 +106,33 @@ void TestPlaybackManager::soundOnly_withoutADeviceIsNoMedia()
     QCOMPARE(rig.settledOn(1), 1);
 }
 
+void TestPlaybackManager::aCover_isShownAllTheTime()
+{
+    const QTemporaryDir directory;
+    const QString picture = directory.filePath(QStringLiteral("cover.png"));
+    const QString path = directory.filePath(QStringLiteral("cover.mp4"));
+    QImage cover(320, 180, QImage::Format_RGB888);
+    cover.fill(Qt::darkGreen);
+    framecode::paint(cover, 77);
+    QVERIFY(cover.save(picture));
+    QCOMPARE(QProcess::execute(QStringLiteral("ffmpeg"),
+                 { "-v", "error", "-i", clip(QStringLiteral("soundonly.mp4")).path, "-i", picture,
+                     "-map", "0", "-map", "1", "-c:a", "copy", "-c:v", "png", "-disposition:v",
+                     "attached_pic", path }),
+        0);
+    PlaybackRig rig;
+    QVERIFY(rig.open(path));
+    QCOMPARE(rig.settledOn(77), 77);
+    QVERIFY(rig.manager.duration() > 5.9);
+    QCOMPARE(rig.manager.frameRate(), 25.0);
+    rig.goTo(100);
+    QCOMPARE(rig.manager.status(), Manager::Seeking); // the sound has to be found
+    QVERIFY(rig.waitFor(Manager::Ready));
+    rig.viewer.setPixmap(QPixmap());
+    rig.manager.setFlip(false, false);
+    QTRY_COMPARE(rig.shown(), 77);
+}
+
 void TestPlaybackManager::requestsThatDoNothing()
 {
     PlaybackRig rig;
@@ -156,7 +187,8 @@ void TestPlaybackManager::failedOpen_leavesTheWayFree_data()
     QTest::addColumn<QByteArray>("content");
     QTest::addColumn<QString>("name");
     QTest::newRow("empty") << QByteArray("") << QStringLiteral("a.mp4");
-    QTest::newRow("text") << QByteArray("once upon a time\n").repeated(50) << QStringLiteral("a.mov");
+    QTest::newRow("text") << QByteArray("once upon a time\n").repeated(50)
+                          << QStringLiteral("a.mov");
     QTest::newRow("missing") << QByteArray() << QStringLiteral("a.mkv");
 }
 
@@ -177,8 +209,7 @@ void TestPlaybackManager::failedOpen_leavesTheWayFree()
     QVERIFY(rig.waitFor(Manager::NoMedia));
     QCOMPARE(errors.count(), 1);
     QCOMPARE(errors.at(0).at(0).toInt(), static_cast<int>(Manager::FormatError));
-    QCOMPARE(
-        errors.at(0).at(1).toString(), QStringLiteral("Failed to open media. Invalid file."));
+    QCOMPARE(errors.at(0).at(1).toString(), QStringLiteral("Failed to open media. Invalid file."));
     QVERIFY(rig.open(clip(QStringLiteral("vp9.webm")).path));
     QCOMPARE(rig.settledOn(1), 1);
 }
@@ -279,7 +310,8 @@ void TestPlaybackManager::aManagerThatLeavesEarly()
         QTest::qWait(afterMs);
         leaving.start();
     }
-    QVERIFY(leaving.elapsed() < 2000); // it waits at most a tenth of a second; the rest is a loaded machine
+    QVERIFY(leaving.elapsed()
+        < 2000); // it waits at most a tenth of a second; the rest is a loaded machine
 }
 
 QTEST_MAIN(TestPlaybackManager)

@@ -27,7 +27,8 @@ private:
     QTemporaryDir m_directory;
 };
 
-// Ready with a picture or without, or closed with an error: anything but a state that is never left.
+// Ready with a picture or without, or closed with an error: anything but a state that is never
+// left.
 bool TestRobustness::settles(PlaybackRig& rig)
 {
     return QTest::qWaitFor(
@@ -120,7 +121,8 @@ void TestRobustness::badFiles_data()
     write("absurd sizes", QStringLiteral(".mp4"), absurd);
 
     for (int tenth = 1; tenth <= 10; ++tenth) {
-        const QString name = tenth % 2 == 0 ? QStringLiteral("opengop.mkv") : QStringLiteral("mpeg2.mpg");
+        const QString name =
+            tenth % 2 == 0 ? QStringLiteral("opengop.mkv") : QStringLiteral("mpeg2.mpg");
         const QByteArray whole = contentOf(clip(name).path);
         write(qPrintable(QStringLiteral("cut at %1 of 11").arg(tenth)), name,
             whole.left(whole.size() * tenth / 11));
