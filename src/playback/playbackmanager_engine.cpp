@@ -201,6 +201,9 @@ void PlaybackManager::onMediaError(MediaManager::Error mediaError)
         stop();
     } else if (mediaError == MediaManager::SeekError && m_status == Seeking) {
         endSeek();
+        if (m_status == Ready && !m_seekRunning) {
+            updatePlaybackTime(); // the old time stands again
+        }
     }
 }
 

@@ -13,7 +13,6 @@ class TestRobustness : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void randomOrdersEndOnTheLastOneAskedFor();
     void badFiles_data();
     void badFiles();
     void flippedBits_data();
@@ -57,40 +56,6 @@ QByteArray TestRobustness::contentOf(const QString& path)
 {
     QFile file(path);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-void TestRobustness::randomOrdersEndOnTheLastOneAskedFor()
-{
-    const QStringList names{ QStringLiteral("opengop.mkv"), QStringLiteral("mpeg4.avi"),
-        QStringLiteral("hevc.mp4"), QStringLiteral("flv1.flv"), QStringLiteral("mpeg2.mpg") };
-    QRandomGenerator random(1000);
-    PlaybackRig rig;
-    for (int round = 0; round < 20; ++round) {
-        for (int i = 0; i < 50; ++i) {
-            switch (random.bounded(6)) {
-            case 0:
-                rig.manager.setMedia(
-                    clip(names.at(random.bounded(names.size()))).path, 256000000, 0.8F);
-                break;
-            case 1:
-                rig.manager.play();
-                break;
-            case 2:
-                rig.manager.stop();
-                break;
-            default:
-                rig.goTo(random.bounded(1, 151), random.bounded(2) == 0);
-            }
-            if (random.bounded(3) == 0) {
-                QTest::qWait(random.bounded(15));
-            }
-        }
-        const Clip& last = clip(names.at(round % names.size()));
-        const int frame = random.bounded(1, last.frameCount + 1);
-        QVERIFY(rig.open(last.path));
-        rig.goTo(frame);
-        QCOMPARE(rig.settledOn(frame), frame);
-    }
 }
 
 void TestRobustness::badFiles_data()
