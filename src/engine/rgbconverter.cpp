@@ -14,6 +14,8 @@ extern "C" {
 
 #include <algorithm>
 #include <cstring>
+#include <new>
+#include <utility>
 
 namespace {
 
@@ -67,8 +69,8 @@ RgbConverter::RgbConverter(int width, int height)
     , m_input(std::make_unique<Input>())
 {
     if (width % pixelGroup != 0) {
-        m_alignedRows.reset(
-            new uint8_t[static_cast<size_t>(alignedRowBytes(width)) * static_cast<size_t>(height)]);
+        m_alignedRows.reset(new (std::nothrow)
+                uint8_t[static_cast<size_t>(alignedRowBytes(width)) * static_cast<size_t>(height)]);
     }
 }
 
@@ -76,6 +78,9 @@ RgbConverter::~RgbConverter() = default;
 
 int RgbConverter::open(int pixelFormat)
 {
+    if (m_width % pixelGroup != 0 && !m_alignedRows) {
+        return AVERROR(ENOMEM);
+    }
     if (pixelFormat < 0) {
         return 0;
     }
@@ -87,19 +92,22 @@ int RgbConverter::prepare(const Input& input)
     if (m_context && input == *m_input) {
         return 0;
     }
+    // Asked first: a context that fails to start leaks what it made for its threads.
+    if (sws_isSupportedInput(static_cast<AVPixelFormat>(input.format)) == 0) {
+        return AVERROR(EINVAL);
+    }
     m_context.reset(sws_alloc_context());
     if (!m_context) {
         return AVERROR(ENOMEM);
     }
-    void* options = m_context.get();
-    av_opt_set_int(options, "srcw", input.width, 0);
-    av_opt_set_int(options, "srch", input.height, 0);
-    av_opt_set_int(options, "src_format", input.format, 0);
-    av_opt_set_int(options, "dstw", m_width, 0);
-    av_opt_set_int(options, "dsth", m_height, 0);
-    av_opt_set_int(options, "dst_format", AV_PIX_FMT_RGB24, 0);
-    av_opt_set_int(options, "sws_flags", SWS_BILINEAR, 0);
-    av_opt_set_int(options, "threads", std::clamp(QThread::idealThreadCount(), 1, mostThreads), 0);
+    const int threads = std::clamp(QThread::idealThreadCount(), 1, mostThreads);
+    for (const auto& [name, value] : { std::pair("srcw", input.width),
+             std::pair("srch", input.height), std::pair("src_format", input.format),
+             std::pair("dstw", m_width), std::pair("dsth", m_height),
+             std::pair("dst_format", static_cast<int>(AV_PIX_FMT_RGB24)),
+             std::pair("sws_flags", SWS_BILINEAR), std::pair("threads", threads) }) {
+        av_opt_set_int(m_context.get(), name, value, 0);
+    }
     const int result = sws_init_context(m_context.get(), nullptr, nullptr);
     if (result < 0) {
         m_context.reset();
