@@ -26,6 +26,7 @@ public:
     explicit Playing(const QString& path, const Change& change = {})
         : source(path)
     {
+        qRegisterMetaType<MediaSource*>("MediaSource*");
         connect(&manager, &AudioManager::error, this, [this](int error) { errors << error; });
         connect(&manager, &AudioManager::statusChanged, this, [this](int s) { statuses << s; });
         connect(&manager, &AudioManager::released, this, [this] { ++released; });
@@ -44,13 +45,13 @@ public:
 
     void start()
     {
-        QMetaObject::invokeMethod(&manager, [this] { manager.changeMediaSource(&source); });
+        QMetaObject::invokeMethod(&manager, "changeMediaSource", Q_ARG(MediaSource*, &source));
     }
 
     bool stop()
     {
         source.abortRequested = true;
-        QMetaObject::invokeMethod(&manager, [this] { manager.stopDecoding(); });
+        QMetaObject::invokeMethod(&manager, "stopDecoding");
         return QTest::qWaitFor([this] { return released == 1; }, limitMs);
     }
 
