@@ -21,7 +21,7 @@ bool isFarAhead(MediaSource& source)
     const double buffered = source.audioFrames.totalValues()
         / (static_cast<double>(source.outputChannels) * source.sampleRate);
     return buffered > aheadLimit
-        && source.audioFrames.endTime() - source.clockTime(false) > aheadLimit;
+        && source.audioFrames.endTime() - source.soundNeededTime() > aheadLimit;
 }
 
 } // namespace
@@ -54,7 +54,7 @@ int AudioDecoder::decodeNext()
     case PacketQueue::endOfStreamSize:
         return drain();
     case PacketQueue::flushSize:
-        return flush();
+        return flush(*packet);
     default:
         return decode(*packet);
     }
@@ -63,8 +63,8 @@ int AudioDecoder::decodeNext()
 /// A seek ends the wait too: its flush marker lies in the queue.
 void AudioDecoder::waitForClock() const
 {
-    while (!m_source.picturesPaceSound() && !m_source.abortRequested
-        && !m_source.audioFrames.discarding && isFarAhead(m_source)) {
+    while (m_source.soundMayWait() && !m_source.abortRequested && !m_source.audioFrames.discarding
+        && isFarAhead(m_source)) {
         QThread::msleep(aheadPauseMs);
     }
 }
@@ -94,9 +94,9 @@ int AudioDecoder::drain()
     return stored > 0 ? stored : 0;
 }
 
-int AudioDecoder::flush()
+int AudioDecoder::flush(const AVPacket& marker)
 {
-    m_source.audioFrames.discarding = false;
+    m_source.stopDiscarding(m_source.audioFrames.discarding, marker.pts);
     m_decodedTime = 0.0;
     avcodec_flush_buffers(m_source.audioCodec.get());
     m_converter.reset();

@@ -22,7 +22,7 @@ private:
     void waitForClock() const;
     int decode(const AVPacket& packet);
     int drain();
-    int flush();
+    int flush(const AVPacket& marker);
     int receive();
     int store();
 

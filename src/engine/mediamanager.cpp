@@ -123,6 +123,9 @@ void MediaManager::runSeek(double target)
     discardAndFlush(target, true);
     const int result = m_reader->seek(target);
     m_mediaSrc->seekRequested.store(false, std::memory_order_release);
+    if (m_mediaSrc->abortRequested) {
+        return; // of a file given up meanwhile
+    }
     if (result < 0) {
         m_mediaSrc->landing.withdraw();
         raise(SeekError);
@@ -159,20 +162,23 @@ void MediaManager::retreat(double target)
     }
 }
 
-bool MediaManager::discardAndFlush(double target, bool judged)
+void MediaManager::discardAndFlush(double target, bool judged)
 {
     MediaSource& source = *m_mediaSrc;
-    source.videoFrames.discarding.store(true, std::memory_order_release);
-    source.audioFrames.discarding.store(true, std::memory_order_release);
+    // Every flush has a number of its own, counted before the buffers discard.
+    const int64_t serial = source.landing.ask(target);
+    const bool asks = judged && source.picturesPaceSound() && source.videoDecoding;
+    if (!asks) {
+        source.landing.withdraw();
+    }
+    source.videoFrames.discarding = true;
+    source.audioFrames.discarding = true;
     source.readFailed.store(false, std::memory_order_release);
     m_endMarked = false;
-    const bool asks = judged && source.picturesPaceSound() && source.videoDecoding;
-    const int64_t serial = asks ? source.landing.ask(target) : 0;
-    source.audioPackets.flush();
+    source.audioPackets.flush(serial);
     source.videoPackets.flush(serial);
     source.audioFrames.clear();
     source.videoFrames.reset();
-    return asks;
 }
 
 SeekLanding::Verdict MediaManager::awaitLanding()
@@ -189,7 +195,9 @@ SeekLanding::Verdict MediaManager::awaitLanding()
             ++packets;
         } else {
             QThread::msleep(landingPauseMs);
-            idleRounds = source.videoPackets.isEmpty() ? idleRounds + 1 : 0;
+            // Where an end marker is queued, the decoder always answers.
+            const bool runsDry = source.readFailed && source.videoPackets.isEmpty();
+            idleRounds = runsDry ? idleRounds + 1 : 0;
         }
     }
     return source.landing.verdict();

@@ -52,7 +52,7 @@ private:
     [[nodiscard]] bool isOpen() const;
     void letGo();
     void runSeek(double target);
-    bool discardAndFlush(double target, bool judged);
+    void discardAndFlush(double target, bool judged);
     SeekLanding::Verdict awaitLanding();
     bool readWhileWaiting();
     void retreat(double target);

@@ -27,6 +27,14 @@ constexpr int bytesPerPixel = 3;
 // Keep the last frame's number within the stream: the end itself would count as one frame more.
 constexpr double endGuardSeconds = 0.0001;
 constexpr int64_t endGuardMicroseconds = 10;
+constexpr double longestSeconds = 1e9; // what damaged headers name beyond it is cut
+
+// What a file with an accepted extension can really be. Playlists are left out: what they name
+// could be a pipe, which would hold the thread.
+constexpr char containerFormats[] =
+    "aac,ac3,aiff,amr,asf,asf_o,avi,dv,eac3,flac,flv,gxf,h264,hevc,ivf,kux,live_flv,m4v,matroska,"
+    "mjpeg,mov,mp3,mpeg,"
+    "mpegts,mpegtsraw,mpegvideo,mxf,nsv,nut,ogg,rm,swf,vc1,w64,wav,webm,yuv4mpegpipe";
 
 int isAborted(void* source)
 {
@@ -135,6 +143,7 @@ int MediaReader::openInput()
     // network.
     AVDictionary* options = nullptr;
     av_dict_set(&options, "protocol_whitelist", "file", 0);
+    av_dict_set(&options, "format_whitelist", containerFormats, 0);
     int result = avformat_open_input(&context, ("file:" + path).c_str(), nullptr, &options);
     av_dict_free(&options);
     if (result < 0) {
@@ -260,8 +269,14 @@ int MediaReader::describeDuration()
         }
         playable = container - static_cast<double>(endGuardMicroseconds) / AV_TIME_BASE;
     }
-    m_source->containerDuration = std::isfinite(container) ? std::max(container, 0.0) : 0.0;
-    m_source->playableDuration = std::isfinite(playable) ? std::max(playable, 0.0) : 0.0;
+    // Frames are counted in ints.
+    const double longest =
+        std::min(longestSeconds, std::numeric_limits<int>::max() / 2 / m_source->frameRate);
+    const auto sane = [longest](double seconds) {
+        return std::isfinite(seconds) ? std::clamp(seconds, 0.0, longest) : 0.0;
+    };
+    m_source->containerDuration = sane(container);
+    m_source->playableDuration = sane(playable);
     return 0;
 }
 

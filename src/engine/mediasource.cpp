@@ -5,6 +5,7 @@ extern "C" {
 #include <libavformat/avformat.h>
 }
 
+#include <algorithm>
 #include <utility>
 
 MediaSource::MediaSource(QString name)
@@ -23,10 +24,7 @@ MediaSource::~MediaSource()
 
 double MediaSource::clockTime(bool update)
 {
-    if (update && playing.load(std::memory_order_relaxed)) {
-        return clock.updatedTime();
-    }
-    return clock.time();
+    return update ? clock.updatedTimeIf(playing) : clock.time();
 }
 
 double MediaSource::duration() const
@@ -49,6 +47,16 @@ int MediaSource::videoHeight() const
     return opened.load(std::memory_order_acquire) ? height : -1;
 }
 
+void MediaSource::stopDiscarding(std::atomic<bool>& discarding, int64_t markerSerial) const
+{
+    // The demuxer counts its seek before it sets the flag, so one that was overwritten here is
+    // seen.
+    discarding = false;
+    if (landing.serial() != markerSerial) {
+        discarding = true;
+    }
+}
+
 bool MediaSource::picturesPaceSound() const
 {
     return videoStream && !videoUnused && !isCover;
@@ -57,4 +65,14 @@ bool MediaSource::picturesPaceSound() const
 double MediaSource::soundReferenceTime()
 {
     return picturesPaceSound() ? cachedStartTime() - videoDelay : clockTime(false);
+}
+
+double MediaSource::soundNeededTime()
+{
+    return std::max(clockTime(false), picturesPaceSound() ? cachedEndTime() : 0.0);
+}
+
+bool MediaSource::soundMayWait() const
+{
+    return !picturesPaceSound() || videoFrames.isComplete() || videoPackets.usedSlots() > 0;
 }

@@ -47,6 +47,10 @@ public:
     [[nodiscard]] double cachedStartTime() const { return videoFrames.startTime(); }
     [[nodiscard]] double cachedEndTime() const { return videoFrames.endTime(); }
 
+    /// A decoder, at a flush marker: ends the discarding of its buffer, unless a newer seek than
+    /// the marker's has begun meanwhile.
+    void stopDiscarding(std::atomic<bool>& discarding, int64_t markerSerial) const;
+
     /// Any thread. True where pictures go by: full queues of them hold back the demuxer and so the
     /// sound. Without (sound only, a cover, a video that cannot be decoded) only the clock can.
     [[nodiscard]] bool picturesPaceSound() const;
@@ -54,6 +58,14 @@ public:
     /// Any thread. Seconds up to which sound blocks may be dropped: the start of the cached
     /// pictures, or the clock where no pictures go by.
     double soundReferenceTime();
+
+    /// Any thread. Seconds from which on sound is decoded ahead: the clock, or the end of the
+    /// cached pictures.
+    double soundNeededTime();
+
+    /// Any thread. True where a pause of the sound holds up nothing: a full queue of its packets
+    /// would otherwise stop the demuxer before the pictures that lie behind them in the file.
+    [[nodiscard]] bool soundMayWait() const;
 
     // The file. Demuxer's thread, until `opened`; then read only, until close.
     // Contexts are declared before the queues and buffers, which are destroyed first.

@@ -4,8 +4,11 @@ extern "C" {
 #include <libavutil/time.h>
 }
 
+#include <algorithm>
+
 namespace {
 constexpr double microsecondsPerSecond = 1000000.0;
+constexpr double latestSeconds = 1e9; // far beyond any file, and safe in microseconds
 }
 
 class PlaybackClock::Spin {
@@ -35,7 +38,7 @@ PlaybackClock::PlaybackClock(Now now)
 
 void PlaybackClock::reset(double seconds)
 {
-    const double start = seconds >= 0.0 ? seconds : 0.0;
+    const double start = std::clamp(seconds >= 0.0 ? seconds : 0.0, 0.0, latestSeconds);
     const double rate = speed.load(std::memory_order_relaxed);
     const Spin spin(m_busy);
     m_previousStamp =
@@ -60,10 +63,12 @@ int64_t PlaybackClock::update()
     return advance();
 }
 
-double PlaybackClock::updatedTime()
+double PlaybackClock::updatedTimeIf(const std::atomic<bool>& running)
 {
     const Spin spin(m_busy);
-    advance();
+    if (running.load(std::memory_order_relaxed)) {
+        advance();
+    }
     return m_time;
 }
 

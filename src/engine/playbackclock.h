@@ -22,8 +22,10 @@ public:
     /// Adds the wall time since the last reset or update; returns it in microseconds.
     int64_t update();
 
-    /// update() and time() as one step.
-    double updatedTime();
+    /// update(), where `running` is set, and time() as one step. Who clears `running` and then
+    /// resets finds the clock as it was reset: an update that was already under way when the flag
+    /// fell is not counted.
+    double updatedTimeIf(const std::atomic<bool>& running);
 
     [[nodiscard]] double time() const;
 

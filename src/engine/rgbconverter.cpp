@@ -93,12 +93,10 @@ int RgbConverter::prepare(const Input& input)
         return 0;
     }
     // Asked first: a context that fails to start leaks what it made for its threads.
-    if (sws_isSupportedInput(static_cast<AVPixelFormat>(input.format)) == 0) {
-        return AVERROR(EINVAL);
-    }
-    m_context.reset(sws_alloc_context());
+    const bool isSupported = sws_isSupportedInput(static_cast<AVPixelFormat>(input.format)) != 0;
+    m_context.reset(isSupported ? sws_alloc_context() : nullptr);
     if (!m_context) {
-        return AVERROR(ENOMEM);
+        return AVERROR(EINVAL);
     }
     const int threads = std::clamp(QThread::idealThreadCount(), 1, mostThreads);
     for (const auto& [name, value] : { std::pair("srcw", input.width),

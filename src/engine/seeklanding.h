@@ -23,7 +23,7 @@ public:
     {
         m_target.store(target, std::memory_order_relaxed);
         const int64_t serial = (m_state.load(std::memory_order_relaxed) >> verdictBits) + 1;
-        m_state.store(pack(serial, Verdict::Pending), std::memory_order_release);
+        m_state.store(pack(serial, Verdict::Pending));
         return serial;
     }
 
@@ -40,6 +40,9 @@ public:
         }
         return verdictOf(pending);
     }
+
+    /// Any thread. The number of the newest question, 0 before the first.
+    [[nodiscard]] int64_t serial() const { return m_state.load() >> verdictBits; }
 
     [[nodiscard]] Verdict verdict() const
     {

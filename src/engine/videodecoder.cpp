@@ -32,6 +32,7 @@ VideoDecoder::VideoDecoder(MediaSource* mediaSource, std::function<void()> waits
     : m_source(mediaSource)
     , m_waitsForRoom(std::move(waitsForRoom))
     , m_frame(makeFrame())
+    , m_newestDropped(makeFrame())
     , m_timer(timing(*mediaSource))
     , m_converter(mediaSource->width, mediaSource->height)
 {
@@ -39,7 +40,8 @@ VideoDecoder::VideoDecoder(MediaSource* mediaSource, std::function<void()> waits
 
 int VideoDecoder::open()
 {
-    if (m_initialized || !m_frame || m_converter.open(m_source->videoCodec->pix_fmt) < 0) {
+    if (m_initialized || !m_frame || !m_newestDropped
+        || m_converter.open(m_source->videoCodec->pix_fmt) < 0) {
         return -1;
     }
     m_initialized = true;
@@ -66,20 +68,21 @@ int VideoDecoder::decodeNext()
 int VideoDecoder::decodePacket(const AVPacket& packet)
 {
     const int result = avcodec_send_packet(m_source->videoCodec.get(), &packet);
-    if (result < 0) {
-        return -1;
+    if (result == AVERROR_EOF) {
+        return -1; // drained; only a flush makes it take packets again
     }
+    // With several threads an error is that of an older packet; this one is taken all the same.
     m_timer.packetSent(packet.dts);
     receivePictures();
-    return 0;
+    return result < 0 ? -1 : 0;
 }
 
 int VideoDecoder::drain()
 {
-    // Refused where the decoder is drained already: then there is nothing left to receive.
-    if (avcodec_send_packet(m_source->videoCodec.get(), nullptr) >= 0) {
-        receivePictures();
-    }
+    // An error is that of a picture still in the decoder, and good ones may lie behind it.
+    static_cast<void>(avcodec_send_packet(m_source->videoCodec.get(), nullptr));
+    receivePictures();
+    storeNewestDropped();
     m_source->videoFrames.setEndTime(m_source->containerDuration);
     if (m_judgesLanding) {
         m_judgesLanding = false;
@@ -90,9 +93,11 @@ int VideoDecoder::drain()
 
 void VideoDecoder::flush(const AVPacket& marker)
 {
-    m_source->videoFrames.discarding.store(false, std::memory_order_release);
+    m_source->stopDiscarding(m_source->videoFrames.discarding, marker.pts);
     m_timer.flush();
     avcodec_flush_buffers(m_source->videoCodec.get());
+    av_frame_unref(m_newestDropped.get());
+    m_gap = false;
     m_landingSerial = marker.pts;
     m_judgesLanding = m_source->landing.isAsked(m_landingSerial);
     m_skipsToFlush = false;
@@ -121,7 +126,7 @@ void VideoDecoder::handlePicture()
     const double time = m_timer.timeOf(
         { m_frame->pkt_dts, pictureTag(*m_frame), m_frame->pts, m_frame->repeat_pict });
     if (m_source->isCover) {
-        convertAndStore(0.0);
+        convertAndStore(*m_frame, 0.0);
         m_source->videoFrames.setEndTime(m_source->containerDuration);
         return;
     }
@@ -129,7 +134,26 @@ void VideoDecoder::handlePicture()
         return;
     }
     if (framesBehindKept / m_source->frameRate + time >= m_source->clockTime(false)) {
-        convertAndStore(time);
+        convertAndStore(*m_frame, time);
+    } else {
+        drop(time);
+    }
+}
+
+// The span in the cache must have no holes: what follows a dropped picture starts a new one.
+void VideoDecoder::drop(double time)
+{
+    m_gap = true;
+    m_newestDroppedTime = time;
+    av_frame_unref(m_newestDropped.get());
+    av_frame_move_ref(m_newestDropped.get(), m_frame.get());
+}
+
+// Behind the last picture of all, that picture stays on show, however long ago it started.
+void VideoDecoder::storeNewestDropped()
+{
+    if (m_newestDropped->buf[0]) {
+        convertAndStore(*m_newestDropped, m_newestDroppedTime);
     }
 }
 
@@ -145,7 +169,7 @@ bool VideoDecoder::passesLanding(double time)
     return !m_skipsToFlush;
 }
 
-void VideoDecoder::convertAndStore(double time)
+void VideoDecoder::convertAndStore(const AVFrame& frame, double time)
 {
     VideoFrameCache& cache = m_source->videoFrames;
     if (cache.discarding) {
@@ -153,10 +177,16 @@ void VideoDecoder::convertAndStore(double time)
     }
     std::unique_ptr<DecodedVideoFrame> picture =
         cache.obtain(m_converter.pictureBytes(), m_source->width, m_source->height);
-    if (m_converter.convert(*m_frame, *picture) < 0) {
+    if (!picture || m_converter.convert(frame, *picture) < 0) {
+        m_gap = true;
         return;
     }
     picture->time = time;
+    if (m_gap) {
+        cache.reset();
+        m_gap = false;
+    }
+    av_frame_unref(m_newestDropped.get());
     while (!m_source->abortRequested) {
         if (!cache.hasRoom(m_source->clockTime(false))) {
             if (m_waitsForRoom) {

@@ -34,11 +34,16 @@ private:
     void receivePictures();
     void handlePicture();
     [[nodiscard]] bool passesLanding(double time);
-    void convertAndStore(double time);
+    void drop(double time);
+    void storeNewestDropped();
+    void convertAndStore(const AVFrame& frame, double time);
 
     MediaSource* const m_source; // not owned
     const std::function<void()> m_waitsForRoom;
     const AvPtr<AVFrame> m_frame;
+    const AvPtr<AVFrame> m_newestDropped; // since the last picture stored, else empty
+    double m_newestDroppedTime = 0.0; // seconds
+    bool m_gap = false; // a picture is missing behind the newest one stored
     FrameTimer m_timer;
     RgbConverter m_converter;
     bool m_initialized = false;

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <new>
 
 namespace {
 
@@ -16,15 +17,15 @@ constexpr int64_t smallestBudgetBytes = 253440000; // 99 % of it
 constexpr double usedShareOfCache = 0.99;
 constexpr int leastFramesAhead = 2;
 constexpr int retiredFramesPerPut = 2;
-constexpr size_t spareFrames = 4; // enough for what one put retires and evicts
+constexpr size_t spareFrames = 2; // a picture converted for each one put
 constexpr int freeSlotWaitMs = 1;
 constexpr unsigned long refusedPauseMicroseconds = 1;
 
 } // namespace
 
 DecodedVideoFrame::DecodedVideoFrame(int bytes, int widthPixels, int heightPixels)
-    : data(new uint8_t[static_cast<size_t>(
-        bytes)]) // not make_unique: that would clear what is overwritten at once
+    // Not make_unique: that would clear what is overwritten at once.
+    : data(new (std::nothrow) uint8_t[static_cast<size_t>(bytes)])
     , size(bytes)
     , width(widthPixels)
     , height(heightPixels)
@@ -71,7 +72,8 @@ std::unique_ptr<DecodedVideoFrame> VideoFrameCache::obtain(int size, int width, 
             }
         }
     }
-    return std::make_unique<DecodedVideoFrame>(size, width, height);
+    auto frame = std::make_unique<DecodedVideoFrame>(size, width, height);
+    return frame->data ? std::move(frame) : nullptr;
 }
 
 bool VideoFrameCache::hasRoom(double clock)
@@ -185,9 +187,23 @@ bool VideoFrameCache::isDecodedUpTo(double seconds) const
     return m_complete || (!m_frames.empty() && seconds < m_endTime.load(std::memory_order_relaxed));
 }
 
+bool VideoFrameCache::isFinalAt(double seconds) const
+{
+    return m_complete.load(std::memory_order_relaxed)
+        || (!m_frames.empty() && m_frames.back()->time > seconds);
+}
+
+bool VideoFrameCache::reaches(double seconds) const
+{
+    return m_complete.load(std::memory_order_relaxed) || endTime() >= seconds;
+}
+
 void VideoFrameCache::setEndTime(double seconds)
 {
     const ScopedLock lock(m_mutex);
+    if (discarding.load(std::memory_order_acquire)) {
+        return; // of what was read before the seek
+    }
     if (!m_frames.empty()) {
         m_startTime = m_frames.front()->time;
         m_endTime = std::max(seconds, m_endTime.load(std::memory_order_relaxed));

@@ -34,7 +34,8 @@ public:
     /// kept behind the play head.
     void setCacheSize(int64_t cacheBytes, int64_t frameBytes, float trailingShare);
 
-    /// Video thread. Memory for a picture, recycled from one no longer shown where the size fits.
+    /// Video thread. Memory for a picture, recycled from one no longer shown where the size fits;
+    /// null when out of memory.
     [[nodiscard]] std::unique_ptr<DecodedVideoFrame> obtain(int size, int width, int height);
 
     /// Video thread. True when the next put would be taken: a short look, no wait. Before anything
@@ -52,9 +53,20 @@ public:
     /// is released.
     const DecodedVideoFrame* frameAt(double seconds);
 
-    /// True when frameAt(seconds) is final: no picture still to be decoded starts by then. Caller
-    /// holds mutex().
+    /// True when frameAt(seconds) is on show at that time, going by the pictures' nominal length.
+    /// Caller holds mutex().
     [[nodiscard]] bool isDecodedUpTo(double seconds) const;
+
+    /// True when frameAt(seconds) is sure to stay what it is: a later picture is there, or none
+    /// will come. Caller holds mutex().
+    [[nodiscard]] bool isFinalAt(double seconds) const;
+
+    /// Any thread. True when the stream's last picture is in.
+    [[nodiscard]] bool isComplete() const { return m_complete.load(std::memory_order_relaxed); }
+
+    /// Any thread. True when the cached pictures go at least to `seconds`, or to the end of the
+    /// stream.
+    [[nodiscard]] bool reaches(double seconds) const;
 
     /// Video thread, at the end of the stream; never before the end of the newest picture.
     void setEndTime(double seconds);
@@ -104,7 +116,9 @@ private:
     int m_currentIndex = -1; // of the frame last shown; below 0: none since the last reset
     int m_capacity;
     int m_trailing; // frames allowed behind the current one
-    bool m_complete = false; // the stream's last picture is in
+    std::atomic<bool> m_complete{
+        false
+    }; // the stream's last picture is in; written under the lock
     std::atomic<int64_t> m_byteCount{ 0 }; // written under the lock
     std::atomic<double> m_startTime{ 0.0 }; // written under the lock, read for display
     std::atomic<double> m_endTime{ 0.0 }; // written under the lock, read for display

@@ -80,7 +80,7 @@ void VideoManager::startDecoding()
 
 void VideoManager::reportReach()
 {
-    const bool reached = m_mediaSource->cachedEndTime() >= m_mediaSource->clockTime(false);
+    const bool reached = m_mediaSource->videoFrames.reaches(m_mediaSource->clockTime(false));
     setStatus(reached ? Ready : Buffering);
 }
 

@@ -35,7 +35,10 @@ private Q_SLOTS:
         QVERIFY(std::abs(clock.time() - after1s) < microsecond);
         clock.speed = 4.0; // counts from here on
         now += 1000000;
-        QVERIFY(std::abs(clock.updatedTime() - after1s - 4.0) < microsecond);
+        std::atomic<bool> running{ false };
+        QVERIFY(std::abs(clock.updatedTimeIf(running) - after1s) < microsecond);
+        running = true;
+        QVERIFY(std::abs(clock.updatedTimeIf(running) - after1s - 4.0) < microsecond);
     }
 };
 

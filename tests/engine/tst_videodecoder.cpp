@@ -125,8 +125,10 @@ private Q_SLOTS:
                 const double start = (number - 1) * frameDuration;
                 const auto [shown, time] = video.shownAt(start + 0.0001);
                 QCOMPARE(shown, number);
-                // The first may be one early: a decode time of 0 counts as missing.
+                // The first may be one early: a decode time of 0 counts as missing, and the packet
+                // before foretells it.
                 const bool early = number == 1 && std::abs(time + frameDuration) < exact;
+                QVERIFY(early || number > 1 || name != "opengop.mp4");
                 QVERIFY2(early || std::abs(time - start) < exact,
                     qPrintable(
                         QStringLiteral("%1 at %2, %3 threads").arg(number).arg(time).arg(threads)));

@@ -1,5 +1,8 @@
 #include "frameclock.h"
 
+#include <algorithm>
+#include <limits>
+
 namespace {
 constexpr double firstFrame = 1.0;
 constexpr double insideFrameSeconds = 0.0001;
@@ -13,7 +16,8 @@ FrameClock::FrameClock(double frameRate, double frameDuration)
 
 int FrameClock::frameAt(double seconds) const
 {
-    return static_cast<int>(seconds * m_frameRate + firstFrame);
+    constexpr double last = std::numeric_limits<int>::max();
+    return static_cast<int>(std::clamp(seconds * m_frameRate + firstFrame, -last, last));
 }
 
 double FrameClock::timeOf(int frame) const
