@@ -49,15 +49,18 @@ FramePresenter::Result FramePresenter::show(MediaSource& source, bool refresh, b
     const double time = source.clockTime(true);
     const DecodedVideoFrame* frame = cache.frameAt(time);
     const bool nothingMoreComes = source.readFailed && source.videoPackets.usedSlots() == 0;
-    if (!moving && source.videoDecoding && !cache.isDecodedUpTo(time) && !nothingMoreComes) {
+    const bool mayChange =
+        !moving && source.videoDecoding && !nothingMoreComes && !cache.isFinalAt(time);
+    if (mayChange && !cache.isDecodedUpTo(time)) {
         return Result::Awaited;
     }
     if (!frame) {
         return Result::Missing;
     }
     const int number = numberOf(*frame, source.rate());
+    const Result result = mayChange ? Result::Awaited : Result::Shown;
     if (number == m_lastDisplayedFrame && !m_repaintPending) {
-        return Result::Shown;
+        return result;
     }
     QImage image(frame->data.get(), frame->width, frame->height, QImage::Format_RGB888);
     if (m_flipHorizontal || m_flipVertical) {
@@ -70,7 +73,7 @@ FramePresenter::Result FramePresenter::show(MediaSource& source, bool refresh, b
     m_viewer->update();
     m_lastDisplayedFrame = number;
     m_repaintPending = false;
-    return Result::Shown;
+    return result;
 }
 
 void FramePresenter::clear()

@@ -11,7 +11,7 @@ public:
         NoViewer,
         Shown, // the right picture is on show
         Missing, // nothing is cached
-        Awaited // the picture for this time is still to be decoded; what was on show stays
+        Awaited // a picture that starts by this time is still to be decoded, or can be: ask again
     };
 
     void setViewer(SoftwareViewer* viewer) { m_viewer = viewer; }

@@ -15,6 +15,13 @@ constexpr double endGuardSeconds = 0.0001; // the play head rests this far befor
 constexpr double fullVolumePercent = 100.0;
 constexpr int64_t bytesPerPixel = 3;
 
+// Before, the decoders may not have begun; after, they have been told to let go.
+bool canBePositioned(PlaybackManager::Status status)
+{
+    return status == PlaybackManager::Loaded || status == PlaybackManager::Ready
+        || status == PlaybackManager::Seeking || status == PlaybackManager::EndOfMedia;
+}
+
 } // namespace
 
 PlaybackManager::PlaybackManager(QObject* parent)
@@ -69,6 +76,9 @@ bool PlaybackManager::setMedia(QString filename, int64_t cacheSize, float traili
     if (m_state != Stopped || m_status != NoMedia) {
         m_pendingFilename = filename;
         stop(); // also while loading or invalid, when the state is Stopped already
+        if (!m_mediaSource && m_status == NoMedia && !m_pendingFilename.isEmpty()) {
+            createSource(QString(m_pendingFilename)); // there was nothing to let go of
+        }
         return true;
     }
     createSource(filename);
@@ -112,7 +122,12 @@ void PlaybackManager::play(double duration)
 
 void PlaybackManager::pause()
 {
+    const bool wasPlaying = m_state == Playing;
+    const unsigned revision = m_revision;
     haltPlayback();
+    if (wasPlaying && m_revision == revision && m_status == Ready) {
+        updatePlaybackTime(); // the clock may have crossed into the next frame since the last tick
+    }
 }
 
 void PlaybackManager::haltPlayback()
@@ -230,12 +245,12 @@ void PlaybackManager::clearVideoFrame()
 
 void PlaybackManager::seek(bool clearCache, double time, double audioScrubDuration)
 {
-    if (!m_mediaSource || m_state == Stopped) {
+    if (!m_mediaSource || m_state == Stopped || !canBePositioned(m_status)) {
         return;
     }
     const unsigned revision = ++m_revision;
     haltPlayback();
-    if (m_revision != revision) {
+    if (m_revision != revision || !canBePositioned(m_status)) {
         return;
     }
     MediaSource& source = *m_mediaSource;
@@ -248,7 +263,12 @@ void PlaybackManager::seek(bool clearCache, double time, double audioScrubDurati
     } else if (!clearCache && source.picturesPaceSound() && source.videoFrames.contains(target)) {
         source.resetClock(target);
         updatePlaybackTime();
-        if (m_revision == revision) {
+        if (m_revision != revision) {
+            return;
+        }
+        if (source.cachedStartTime() > target) {
+            issueSeek(target); // the decoder has just evicted it
+        } else {
             requestAudioSlice();
         }
     } else {
@@ -261,6 +281,7 @@ void PlaybackManager::issueSeek(double time)
     m_pendingSeekTime = -1.0;
     m_pictureTimer.stop();
     m_seekRunning = true;
+    m_engineStatus.media = MediaManager::Reading; // an earlier seek's answer is not this one's
     m_mediaSource->seekTime = time;
     m_mediaSource->seekRequested.store(true, std::memory_order_release);
     setStatus(Seeking);
@@ -272,7 +293,8 @@ void PlaybackManager::issueSeek(double time)
 void PlaybackManager::requestAudioSlice()
 {
     MediaSource& source = *m_mediaSource;
-    source.scrubSampleCount = static_cast<int32_t>(source.sampleRate * m_audioScrubDuration);
+    source.scrubSampleCount = static_cast<int32_t>(std::clamp(
+        source.sampleRate * m_audioScrubDuration, 0.0, double{ MediaSource::scratchSamples }));
     source.audioResyncRequested = true;
     source.scrubRequested.store(true, std::memory_order_release);
 }
@@ -353,7 +375,8 @@ void PlaybackManager::setCacheSize(int64_t bytes, float trailingPct)
 {
     m_cacheSize = bytes;
     m_trailingCachePct = trailingPct;
-    if (m_mediaSource && m_mediaSource->opened) {
+    m_cacheResized = true;
+    if (m_mediaSource && m_state != Stopped && canBePositioned(m_status)) {
         resizeCache();
         seek(false, playbackTime(), 0.0);
     }
@@ -381,4 +404,5 @@ void PlaybackManager::resizeCache()
     MediaSource& source = *m_mediaSource;
     const int64_t frameBytes = bytesPerPixel * source.videoWidth() * source.videoHeight();
     source.videoFrames.setCacheSize(m_cacheSize, frameBytes, m_trailingCachePct);
+    m_cacheResized = false;
 }

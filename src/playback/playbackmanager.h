@@ -195,6 +195,7 @@ private:
     FramePresenter m_presenter;
     int64_t m_cacheSize = 0; // bytes
     float m_trailingCachePct = 0.7F;
+    bool m_cacheResized = false; // the two before are still to be applied to the open file
     bool m_seekRunning = false; // from its emission until its own answer
     double m_pendingSeekTime = -1.0; // seconds; asked for while a seek ran; negative: none
     QString m_pendingFilename; // opened once the current file is unloaded

@@ -118,6 +118,10 @@ void PlaybackManager::completeLoad()
     if (m_revision == revision && m_status == Ready) {
         handleReady(); // the decoders may have come further while this loaded
     }
+    if (m_revision == revision && m_status == Ready && m_cacheResized) {
+        resizeCache(); // asked for while the file was loading
+        seek(true, 0.0, 0.0);
+    }
 }
 
 void PlaybackManager::handleReady()
@@ -194,12 +198,9 @@ void PlaybackManager::onMediaError(MediaManager::Error mediaError)
     const unsigned revision = m_revision;
     const PlaybackError described = describe(mediaError);
     raise(described.code, described.text);
-    if (m_revision != revision) {
-        return;
-    }
-    if (openFailed) {
+    if (openFailed && m_revision == revision) {
         stop();
-    } else if (mediaError == MediaManager::SeekError && m_status == Seeking) {
+    } else if (mediaError == MediaManager::SeekError && m_seekRunning && m_status == Seeking) {
         endSeek();
         if (m_status == Ready && !m_seekRunning) {
             updatePlaybackTime(); // the old time stands again

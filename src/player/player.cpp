@@ -39,6 +39,11 @@ Player::Player(const QString& filename, int rangeStart, int rangeEnd, QWidget* p
     open(filename, rangeStart, rangeEnd);
 }
 
+Player::~Player()
+{
+    m_manager->disconnect(this); // it goes after this window, and tells so
+}
+
 void Player::createLayout()
 {
     m_volume->setFixedWidth(volumeWidth);

@@ -20,6 +20,8 @@ public:
     explicit Player(
         const QString& filename, int rangeStart = -1, int rangeEnd = -1, QWidget* parent = nullptr);
 
+    ~Player() override;
+
 public Q_SLOTS:
     void open(const QString& filename, int rangeStart, int rangeEnd);
     /// Toggles between playing and paused.
