@@ -19,6 +19,10 @@ private Q_SLOTS:
     void playing_isNotStarvedWithoutASoundDevice();
     void soundOnly_withoutADeviceIsNoMedia();
     void aCover_isShownAllTheTime();
+    void behindTheLastPicture_itStaysOnShow();
+    void steppingBackAfterALaggingPlay_showsEveryFrame();
+    void positionsFromInsideAStop_areIgnored();
+    void pauseWithoutAFile_losesNoName();
     void requestsThatDoNothing();
     void steppingWhileASeekRuns_addsUp();
     void unsupportedName_givesUpTheOpenFile();
@@ -131,6 +135,63 @@ void TestPlaybackManager::aCover_isShownAllTheTime()
     rig.viewer.setPixmap(QPixmap());
     rig.manager.setFlip(false, false);
     QTRY_COMPARE(rig.shown(), 77);
+}
+
+void TestPlaybackManager::behindTheLastPicture_itStaysOnShow()
+{
+    const QTemporaryDir directory;
+    const QString path = directory.filePath(QStringLiteral("longsound.mkv"));
+    QCOMPARE(QProcess::execute(QStringLiteral("ffmpeg"),
+                 { "-v", "error", "-i", clip(QStringLiteral("videoonly.mp4")).path, "-i",
+                     clip(QStringLiteral("soundonly.mp4")).path, "-map", "0", "-map", "1", "-c",
+                     "copy", path }),
+        0);
+    PlaybackRig rig;
+    QVERIFY(rig.open(path));
+    QVERIFY(rig.manager.duration() > 5.5); // the pictures end after 4 s
+    rig.goTo(rig.lastFrame(), true);
+    QCOMPARE(rig.settledOn(100), 100);
+    rig.goTo(99);
+    QCOMPARE(rig.settledOn(99), 99);
+}
+
+void TestPlaybackManager::steppingBackAfterALaggingPlay_showsEveryFrame()
+{
+    PlaybackRig rig;
+    QVERIFY(rig.open(clip(QStringLiteral("width1366.mp4")).path));
+    rig.manager.setCacheSize(0, 0.8F);
+    QVERIFY(rig.waitFor(Manager::Ready));
+    rig.manager.setSpeedMultiplier(50.0); // faster than any machine decodes
+    rig.manager.play();
+    QTest::qWait(20);
+    rig.manager.pause();
+    QVERIFY(rig.waitFor(Manager::Ready));
+    for (int frame = 74; frame > 50; --frame) {
+        rig.goTo(frame);
+        QCOMPARE(rig.settledOn(frame), frame);
+    }
+}
+
+void TestPlaybackManager::positionsFromInsideAStop_areIgnored()
+{
+    PlaybackRig rig;
+    QVERIFY(rig.open(clip(QStringLiteral("vp9.webm")).path));
+    connect(&rig.manager, &Manager::statusChanged, this, [&](Manager::Status status) {
+        if (status == Manager::Unloading) {
+            rig.goTo(30, true);
+            rig.manager.setCacheSize(300000000, 0.5F);
+        }
+    });
+    rig.manager.stop();
+    QVERIFY(rig.waitFor(Manager::NoMedia));
+}
+
+void TestPlaybackManager::pauseWithoutAFile_losesNoName()
+{
+    PlaybackRig rig;
+    rig.manager.pause();
+    QVERIFY(rig.open(clip(QStringLiteral("vp9.webm")).path));
+    QCOMPARE(rig.settledOn(1), 1);
 }
 
 void TestPlaybackManager::requestsThatDoNothing()

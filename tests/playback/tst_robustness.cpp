@@ -73,6 +73,8 @@ void TestRobustness::badFiles_data()
     const QString pipe = m_directory.filePath(QStringLiteral("pipe.mkv"));
     QCOMPARE(mkfifo(qPrintable(pipe), 0600), 0);
     QTest::newRow("a pipe") << pipe;
+    write("a playlist that names a pipe", QStringLiteral(".mov"),
+        "ffconcat version 1.0\nfile pipe.mkv\n");
 
     QRandomGenerator random(3);
     QByteArray noise(100000, 0);
