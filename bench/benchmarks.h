@@ -1,0 +1,11 @@
+#pragma once
+
+#include <string>
+
+/// Path of a clip of clips.table, named without its suffix.
+std::string clipPath(const std::string& name);
+
+/// Each names one file's measures to the benchmark library; before these are run.
+void registerDecoding();
+void registerInteraction();
+void registerIdling();

@@ -1,0 +1,26 @@
+#include "benchmarks.h"
+#include "soundserver.h"
+#include "tablereporter.h"
+
+#include <QApplication>
+
+std::string clipPath(const std::string& name)
+{
+    return BENCH_CLIPS "/" + name + ".mp4";
+}
+
+int main(int argc, char* argv[])
+{
+    const SoundServer soundServer; // the player is measured with a sound device, heard by nobody
+    const QApplication application(argc, argv);
+    registerDecoding();
+    registerInteraction();
+    registerIdling();
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
+        return 2;
+    }
+    TableReporter reporter;
+    const size_t run = benchmark::RunSpecifiedBenchmarks(&reporter);
+    return run > 0 && !reporter.hasFailures() ? 0 : 1;
+}
