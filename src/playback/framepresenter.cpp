@@ -37,7 +37,8 @@ void FramePresenter::setRotation(int degrees)
     m_rotation = degrees % fullTurn;
 }
 
-FramePresenter::Result FramePresenter::show(MediaSource& source, bool refresh, bool moving)
+FramePresenter::Result FramePresenter::show(
+    MediaSource& source, bool refresh, std::optional<double> movingFrom)
 {
     if (!m_viewer) {
         return Result::NoViewer;
@@ -49,20 +50,26 @@ FramePresenter::Result FramePresenter::show(MediaSource& source, bool refresh, b
     const double time = source.clockTime(true);
     const DecodedVideoFrame* frame = cache.frameAt(time);
     const bool nothingMoreComes = source.readFailed && source.videoPackets.usedSlots() == 0;
-    const bool mayChange =
-        !moving && source.videoDecoding && !nothingMoreComes && !cache.isFinalAt(time);
-    if (mayChange && !cache.isDecodedUpTo(time)) {
+    const bool decoding = source.videoDecoding && !nothingMoreComes;
+    if (decoding && !cache.isDecodedUpTo(movingFrom.value_or(time))) {
         return Result::Awaited;
     }
     if (!frame) {
         return Result::Missing;
     }
     const int number = numberOf(*frame, source.rate());
-    const Result result = mayChange ? Result::Awaited : Result::Shown;
-    if (number == m_lastDisplayedFrame && !m_repaintPending) {
-        return result;
+    if (number != m_lastDisplayedFrame || m_repaintPending) {
+        paint(*frame);
+        m_lastDisplayedFrame = number;
+        m_repaintPending = false;
     }
-    QImage image(frame->data.get(), frame->width, frame->height, QImage::Format_RGB888);
+    const bool mayChange = decoding && !movingFrom && !cache.isFinalAt(time);
+    return mayChange ? Result::Awaited : Result::Shown;
+}
+
+void FramePresenter::paint(const DecodedVideoFrame& frame)
+{
+    QImage image(frame.data.get(), frame.width, frame.height, QImage::Format_RGB888);
     if (m_flipHorizontal || m_flipVertical) {
         image = image.mirrored(m_flipHorizontal, m_flipVertical);
     }
@@ -71,9 +78,6 @@ FramePresenter::Result FramePresenter::show(MediaSource& source, bool refresh, b
     }
     m_viewer->setPixmap(QPixmap::fromImage(image));
     m_viewer->update();
-    m_lastDisplayedFrame = number;
-    m_repaintPending = false;
-    return result;
 }
 
 void FramePresenter::clear()

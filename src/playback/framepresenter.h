@@ -1,7 +1,10 @@
 #pragma once
 
+#include <optional>
+
 class MediaSource;
 class SoftwareViewer;
+struct DecodedVideoFrame;
 
 /// Takes the picture for the play head out of the cache, mirrors and turns it, and hands it to the
 /// viewer: once per picture, however often it is asked. GUI thread.
@@ -20,8 +23,9 @@ public:
     void setRotation(int degrees);
 
     /// Shows the picture for the source's clock. `refresh` paints it even where it is on show
-    /// already. While `moving`, a late picture is better than none.
-    Result show(MediaSource& source, bool refresh, bool moving);
+    /// already. While playing, a late picture is better than none, but none that is over by the
+    /// time `movingFrom`, in seconds, to which the play head was set.
+    Result show(MediaSource& source, bool refresh, std::optional<double> movingFrom);
 
     /// Shows nothing.
     void clear();
@@ -34,6 +38,8 @@ public:
     [[nodiscard]] int lastDisplayedFrame() const { return m_lastDisplayedFrame; }
 
 private:
+    void paint(const DecodedVideoFrame& frame);
+
     SoftwareViewer* m_viewer = nullptr; // not owned
     int m_lastDisplayedFrame = -1; // number of the frame last given to the viewer
     bool m_repaintPending = true; // paint the next picture whatever its number

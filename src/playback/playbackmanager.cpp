@@ -90,6 +90,7 @@ void PlaybackManager::createSource(const QString& filename)
     ++m_revision;
     m_pendingFilename.clear();
     m_audioScrubDuration = 0.0;
+    m_positionedAt = 0.0;
     m_unload = {};
     m_mediaSource = std::make_unique<MediaSource>(filename);
     setStatus(Loading);
@@ -226,12 +227,14 @@ void PlaybackManager::updateVideoFrame(bool refresh)
         }
         return;
     }
-    const auto result = m_presenter.show(*m_mediaSource, refresh, m_state == Playing);
+    const bool moving = m_state == Playing;
+    const auto result = m_presenter.show(
+        *m_mediaSource, refresh, moving ? std::optional(m_positionedAt) : std::nullopt);
     if (result == FramePresenter::Result::Missing
         && m_engineStatus.video == VideoManager::EndOfStream) {
         m_presenter.clear();
     }
-    if (result == FramePresenter::Result::Awaited) {
+    if (result == FramePresenter::Result::Awaited && !moving) {
         m_pictureTimer.start();
     } else {
         m_pictureTimer.stop();
@@ -256,6 +259,7 @@ void PlaybackManager::seek(bool clearCache, double time, double audioScrubDurati
     MediaSource& source = *m_mediaSource;
     const double target = time > 0.0 ? time : 0.0;
     m_audioScrubDuration = audioScrubDuration;
+    m_positionedAt = target;
     source.scrubForward = target >= source.clockTime(true);
     source.audioResyncRequested = true;
     if (m_seekRunning) {

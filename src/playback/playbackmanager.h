@@ -200,6 +200,7 @@ private:
     double m_pendingSeekTime = -1.0; // seconds; asked for while a seek ran; negative: none
     QString m_pendingFilename; // opened once the current file is unloaded
     double m_audioScrubDuration = 0.0; // seconds
+    double m_positionedAt = 0.0; // seconds; newest target of a positioning
     int m_volume = 100; // percent
     Unload m_unload;
     // Grows with every positioning, stop and new file: what goes on after an emission checks that

@@ -8,6 +8,8 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <algorithm>
+
 using Manager = PlaybackManager;
 
 class TestPlaybackManager : public QObject {
@@ -21,6 +23,7 @@ private Q_SLOTS:
     void aCover_isShownAllTheTime();
     void behindTheLastPicture_itStaysOnShow();
     void steppingBackAfterALaggingPlay_showsEveryFrame();
+    void playingAtOnceAfterASeek_showsNothingBeforeTheTarget();
     void positionsFromInsideAStop_areIgnored();
     void pauseWithoutAFile_losesNoName();
     void requestsThatDoNothing();
@@ -170,6 +173,23 @@ void TestPlaybackManager::steppingBackAfterALaggingPlay_showsEveryFrame()
         rig.goTo(frame);
         QCOMPARE(rig.settledOn(frame), frame);
     }
+}
+
+void TestPlaybackManager::playingAtOnceAfterASeek_showsNothingBeforeTheTarget()
+{
+    PlaybackRig rig;
+    QVERIFY(rig.open(clip(QStringLiteral("longgop.mp4")).path));
+    rig.goTo(390, true);
+    QCOMPARE(rig.settledOn(390), 390);
+    QSet<int> shown;
+    connect(&rig.manager, &Manager::playbackTimeChanged, this, [&] { shown.insert(rig.shown()); });
+    rig.goTo(240, true);
+    QVERIFY(rig.waitFor(Manager::Ready));
+    rig.manager.play();
+    QTRY_VERIFY(rig.shown() > 250 && rig.shown() < 390);
+    rig.manager.pause();
+    shown.remove(390); // what was on show before
+    QVERIFY(!shown.isEmpty() && *std::min_element(shown.begin(), shown.end()) >= 240);
 }
 
 void TestPlaybackManager::positionsFromInsideAStop_areIgnored()
