@@ -271,7 +271,7 @@ int MediaReader::describeDuration()
     }
     // Frames are counted in ints.
     const double longest =
-        std::min(longestSeconds, std::numeric_limits<int>::max() / 2 / m_source->frameRate);
+        std::min(longestSeconds, std::numeric_limits<int>::max() / 2.0 / m_source->frameRate);
     const auto sane = [longest](double seconds) {
         return std::isfinite(seconds) ? std::clamp(seconds, 0.0, longest) : 0.0;
     };
@@ -371,7 +371,7 @@ int MediaReader::seek(double seconds)
 {
     AVFormatContext* context = m_source->formatContext.get();
     constexpr double latest =
-        static_cast<double>(std::numeric_limits<int64_t>::max() / 2) / AV_TIME_BASE;
+        static_cast<double>(std::numeric_limits<int64_t>::max()) / 2.0 / AV_TIME_BASE;
     const auto target = static_cast<int64_t>(std::clamp(seconds, 0.0, latest) * AV_TIME_BASE);
     int result;
     if (target != 0) {

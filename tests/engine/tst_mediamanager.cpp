@@ -96,7 +96,7 @@ private Q_SLOTS:
 private:
     QString takeEvents()
     {
-        const QString events = m_events.join(' ');
+        QString events = m_events.join(' ');
         m_events.clear();
         return events;
     }

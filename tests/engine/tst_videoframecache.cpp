@@ -84,7 +84,8 @@ private Q_SLOTS:
                 QVERIFY(put(cache, times.back()));
             }
             std::sort(times.begin(), times.end());
-            for (double t = 0.0; t < 32.0; t += 0.5) { // before all, exactly, between, after all
+            for (int half = 0; half < 64; ++half) { // before all, exactly, between, after all
+                const double t = half / 2.0;
                 size_t i = 1;
                 while (i < count && times[i] <= t) {
                     ++i;
@@ -100,7 +101,7 @@ private Q_SLOTS:
         cache.setCacheSize(0, smallestBudget / 10, 0.5F);
         QCOMPARE(fill(cache, 0, 3.5), 13);
         QVERIFY(cache.startTime() == 3.0 && cache.endTime() == 13.0);
-        QCOMPARE(cache.byteCount(), int64_t{ 10 * pictureBytes });
+        QCOMPARE(cache.byteCount(), int64_t{ 10 } * pictureBytes);
         QVERIFY(cache.contains(3.0) && cache.contains(13.0));
         QVERIFY(!cache.contains(2.9) && !cache.contains(13.1));
         QCOMPARE(shownAt(cache, 3.5), 3);
