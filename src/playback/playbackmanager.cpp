@@ -54,7 +54,7 @@ PlaybackManager::~PlaybackManager()
     }
 }
 
-bool PlaybackManager::setMedia(QString filename, int64_t cacheSize, float trailingCachePct)
+bool PlaybackManager::setMedia(const QString& filename, int64_t cacheSize, float trailingCachePct)
 {
     const QFileInfo file(filename);
     if (!file.exists() && file.isFile()) {

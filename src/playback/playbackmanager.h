@@ -131,7 +131,7 @@ public Q_SLOTS:
     /// Opens a file, after letting go of the one that is open; the last name asked for wins. False,
     /// with an error raised, where the name's extension is not a video's. Cache size in bytes,
     /// trailing share from 0 to 1.
-    bool setMedia(QString filename, int64_t cacheSize, float trailingCachePct);
+    bool setMedia(const QString& filename, int64_t cacheSize, float trailingCachePct);
     /// Starts from the play head while Ready. It pauses by itself only where `duration` is above 0
     /// and already passed.
     void play(double duration);
