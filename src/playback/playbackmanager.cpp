@@ -59,14 +59,14 @@ bool PlaybackManager::setMedia(const QString& filename, int64_t cacheSize, float
     const QFileInfo file(filename);
     if (!file.exists() && file.isFile()) {
         if (m_state != Stopped) {
-            stop();
+            unload();
         }
         raise(ResourceError, tr("Invalid filename: %1").arg(filename));
         return false;
     }
     if (!isAcceptedMedia(file.suffix())) {
         if (m_state != Stopped) {
-            stop();
+            unload();
         }
         raise(ResourceError, tr("Unsupported format: %1").arg(file.suffix()));
         return false;
@@ -75,7 +75,7 @@ bool PlaybackManager::setMedia(const QString& filename, int64_t cacheSize, float
     m_trailingCachePct = trailingCachePct;
     if (m_state != Stopped || m_status != NoMedia) {
         m_pendingFilename = filename;
-        stop(); // also while loading or invalid, when the state is Stopped already
+        unload(); // also while loading or invalid, when the state is Stopped already
         if (!m_mediaSource && m_status == NoMedia && !m_pendingFilename.isEmpty()) {
             createSource(QString(m_pendingFilename)); // there was nothing to let go of
         }
@@ -144,6 +144,12 @@ void PlaybackManager::haltPlayback()
 }
 
 void PlaybackManager::stop()
+{
+    m_pendingFilename.clear();
+    unload();
+}
+
+void PlaybackManager::unload()
 {
     ++m_revision;
     m_playbackTimer.stop();

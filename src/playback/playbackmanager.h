@@ -137,6 +137,7 @@ public Q_SLOTS:
     void play(double duration);
     void play() { play(-1.0); }
     void pause();
+    /// Lets go of the open file, and of one that was to be opened next.
     void stop();
 
 private Q_SLOTS:
@@ -165,6 +166,7 @@ private:
     void wireAudio();
     void wireVideo();
     void createSource(const QString& filename);
+    void unload();
     void handleEngineStatus();
     void handleLoading();
     void handleUnloading();

@@ -199,7 +199,7 @@ void PlaybackManager::onMediaError(MediaManager::Error mediaError)
     const PlaybackError described = describe(mediaError);
     raise(described.code, described.text);
     if (openFailed && m_revision == revision) {
-        stop();
+        unload();
     } else if (mediaError == MediaManager::SeekError && m_seekRunning && m_status == Seeking) {
         endSeek();
         if (m_status == Ready && !m_seekRunning) {

@@ -5,6 +5,8 @@ struct FrameRange {
     int start = 1;
     int end = 1;
 
+    [[nodiscard]] bool contains(int frame) const { return start <= frame && frame <= end; }
+
     bool operator==(const FrameRange&) const = default;
 
     /// The nearest range inside a media of `last` frames: a start of 0 or less is the first frame,
