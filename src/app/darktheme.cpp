@@ -48,6 +48,7 @@ void applyStyleSheet(QApplication& application)
 
 void applyDarkTheme(QApplication& application)
 {
+    Q_INIT_RESOURCE(resources); // a library's are not there by themselves
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
     QPalette palette;
     for (const RoleColour& entry : roleColours) {

@@ -29,6 +29,9 @@ ConsoleWindow::ConsoleWindow(QWidget* parent)
     setWindowIcon(QIcon(QStringLiteral(":icons/application.png")));
     setMinimumWidth(leastWidth);
     setAttribute(Qt::WA_QuitOnClose, false); // the player may be out of sight, too
+    // Popping up by itself, it leaves the keyboard with the player; whoever wants the keyboard in
+    // it activates it, too. The attribute counts only from the start: a window once shown keeps it.
+    setAttribute(Qt::WA_ShowWithoutActivating);
     m_display->setReadOnly(true);
     m_display->setAccessibleName(tr("Messages"));
     new ConsoleHighlighter(m_display->document()); // child of the document
@@ -113,12 +116,9 @@ void ConsoleWindow::comeForward()
     if (isVisible()) {
         activateWindow();
         raise();
-        return;
+    } else {
+        show();
     }
-    // Popping up by itself, it leaves the keyboard with the player.
-    setAttribute(Qt::WA_ShowWithoutActivating);
-    show();
-    setAttribute(Qt::WA_ShowWithoutActivating, false);
 }
 
 void ConsoleWindow::keyPressEvent(QKeyEvent* event)
@@ -138,7 +138,8 @@ void ConsoleWindow::closeEvent(QCloseEvent* event)
 
 void ConsoleWindow::showEvent(QShowEvent* event)
 {
-    if (!m_savedGeometry.isEmpty()) {
+    // Shown by the window system, as after minimising, it stays where it is.
+    if (!event->spontaneous() && !m_savedGeometry.isEmpty()) {
         restoreGeometry(m_savedGeometry);
     }
     QWidget::showEvent(event);
