@@ -1,46 +1,78 @@
 #include "darktheme.h"
+#include "launchrequest.h"
 #include "player.h"
+#include "singleapplication.h"
+#include "terminationsignals.h"
 
-#include <QApplication>
-#include <QFileInfo>
+#include <QTimer>
+
+#include <cstdio>
+#include <cstring>
 
 namespace {
 
-struct Arguments {
-    QString filename;
-    int rangeStart = -1;
-    int rangeEnd = -1;
-};
+constexpr int endMs = 1000; // for closing in order; then the program ends anyway
 
-int frameArgument(const QStringList& arguments, int index)
+constexpr char version[] = "vantor " VANTOR_VERSION "\n";
+constexpr char help[] = R"(Usage: vantor [FILE [START [END]]]
+
+Plays video frame by frame.
+
+  FILE   a video file, or a bookmarks file that ends in .bmk
+  START  the first frame to stay within, counted from 1
+  END    the last one
+
+If a player is running already, it opens the file in its window.
+
+  --help     print this and exit
+  --version  print the version and exit
+)";
+
+// What `argument`, standing alone, asks to be printed; null for all else.
+const char* textFor(const char* argument)
 {
-    bool isNumber = false;
-    const int frame = arguments.value(index).toInt(&isNumber);
-    return isNumber ? frame : -1;
+    if (std::strcmp(argument, "--help") == 0) {
+        return help;
+    }
+    return std::strcmp(argument, "--version") == 0 ? version : nullptr;
 }
 
-Arguments parse(const QStringList& arguments)
+int run(SingleApplication& application, const LaunchRequest& request)
 {
-    Arguments parsed{ arguments.value(1), frameArgument(arguments, 2),
-        frameArgument(arguments, 3) };
-    // A path with spaces may have arrived in pieces.
-    if (!parsed.filename.isEmpty() && !QFileInfo::exists(parsed.filename)) {
-        parsed.filename = arguments.mid(1).join(QLatin1Char(' '));
-    }
-    return parsed;
+    Player player(request.file, request.rangeStart, request.rangeEnd);
+    QObject::connect(&application, &SingleApplication::messageAvailable, &player,
+        &Player::receiveMessageFromOtherInstance);
+    QObject::connect(&player, &Player::closed, &application, &SingleApplication::stopListening);
+
+    // A request to end closes the window, which saves the settings, if that does not take too long.
+    const TerminationSignals end;
+    QTimer limit;
+    limit.setSingleShot(true);
+    limit.setInterval(endMs);
+    QObject::connect(&end, &TerminationSignals::requested, &player, &Player::close);
+    QObject::connect(&end, &TerminationSignals::requested, &limit, qOverload<>(&QTimer::start));
+    QObject::connect(&limit, &QTimer::timeout, &application, &SingleApplication::quit);
+
+    player.show();
+    return SingleApplication::exec();
 }
 
 } // namespace
 
 int main(int argc, char* argv[])
 {
+    if (const char* text = argc == 2 ? textFor(argv[1]) : nullptr) {
+        return std::fputs(text, stdout) == EOF || std::fflush(stdout) == EOF ? 1 : 0;
+    }
     // The sound library would start a sound server of its own where none runs.
     qputenv("JACK_NO_START_SERVER", "1");
-    QApplication application(argc, argv);
-    QApplication::setApplicationVersion(QStringLiteral(VANTOR_VERSION));
+    SingleApplication application(argc, argv, QStringLiteral("vantorUniqueKey"));
+    SingleApplication::setApplicationVersion(QStringLiteral(VANTOR_VERSION));
+    const QStringList arguments = SingleApplication::arguments();
+    // Before a window is made or a file is read: handing over shows and touches nothing.
+    if (application.sendMessage(LaunchRequest::commandLineToSend(arguments), false)) {
+        return 0;
+    }
     applyDarkTheme(application);
-    const Arguments arguments = parse(QApplication::arguments());
-    Player player(arguments.filename, arguments.rangeStart, arguments.rangeEnd);
-    player.show();
-    return QApplication::exec();
+    return run(application, LaunchRequest::fromCommandLine(arguments));
 }
