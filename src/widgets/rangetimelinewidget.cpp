@@ -98,7 +98,7 @@ RangeTimelineWidget::Drag RangeTimelineWidget::dragAt(QPoint position) const
 void RangeTimelineWidget::mousePressEvent(QMouseEvent* event)
 {
     if (event->button() != Qt::LeftButton) {
-        QWidget::mousePressEvent(event);
+        TimelineWidget::mousePressEvent(event);
         return;
     }
     const QPoint position = placeOf(event);
@@ -146,7 +146,7 @@ void RangeTimelineWidget::dragLabel(int screenX, Qt::KeyboardModifiers modifiers
 void RangeTimelineWidget::mouseReleaseEvent(QMouseEvent* event)
 {
     if (event->button() != Qt::LeftButton) {
-        QWidget::mouseReleaseEvent(event);
+        TimelineWidget::mouseReleaseEvent(event);
         return;
     }
     m_drag = Drag::None;

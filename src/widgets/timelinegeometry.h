@@ -34,9 +34,7 @@ public:
     /// The place of a frame that has none.
     static constexpr int noPosition = -999999;
 
-    explicit TimelineGeometry(const TimelineMetrics& metrics, QSize size = {});
-
-    [[nodiscard]] const TimelineMetrics& metrics() const { return m_metrics; }
+    explicit TimelineGeometry(const TimelineMetrics& metrics, QSize size);
 
     [[nodiscard]] QRect track() const;
     [[nodiscard]] QRect leftText() const;

@@ -27,7 +27,7 @@ TimelineWidget::TimelineWidget(const TimelineMetrics& metrics, TimelineDisplay& 
     bool offersRangeBookmarks, QWidget* parent)
     : QWidget(parent)
     , m_display(display)
-    , m_parts(metrics)
+    , m_metrics(metrics)
     , m_menu(this)
     , m_offersRangeBookmarks(offersRangeBookmarks)
 {
@@ -179,12 +179,12 @@ void TimelineWidget::updateContextActions(QPoint pos)
 
 int TimelineWidget::frameAtPosition(QPoint position) const
 {
-    return m_parts.frameAt(position.x(), { 1, std::max(m_frameCount, 1) });
+    return parts().frameAt(position.x(), { 1, std::max(m_frameCount, 1) });
 }
 
 int TimelineWidget::positionOfFrame(int frame) const
 {
-    return m_parts.positionOf(frame, { 1, m_frameCount });
+    return parts().positionOf(frame, { 1, m_frameCount });
 }
 
 bool TimelineWidget::isWholeRange() const
@@ -194,7 +194,7 @@ bool TimelineWidget::isWholeRange() const
 
 PixelSpan TimelineWidget::rangeEnds() const
 {
-    return m_parts.rangeEnds(m_range, m_frameCount);
+    return parts().rangeEnds(m_range, m_frameCount);
 }
 
 TimelineWidget::Hover TimelineWidget::partAt(QPoint position) const
@@ -203,13 +203,13 @@ TimelineWidget::Hover TimelineWidget::partAt(QPoint position) const
         return Hover::None;
     }
     const PixelSpan ends = rangeEnds();
-    if (m_parts.startHit(ends.from).contains(position)) {
+    if (parts().startHit(ends.from).contains(position)) {
         return Hover::Start;
     }
-    if (m_parts.endHit(ends.to).contains(position)) {
+    if (parts().endHit(ends.to).contains(position)) {
         return Hover::End;
     }
-    const bool onRange = !isWholeRange() && m_parts.rangeHit(ends).contains(position);
+    const bool onRange = !isWholeRange() && parts().rangeHit(ends).contains(position);
     return onRange ? Hover::Range : Hover::None;
 }
 
@@ -285,10 +285,4 @@ void TimelineWidget::leaveEvent(QEvent* /*event*/)
 {
     m_hover = Hover::None;
     update();
-}
-
-void TimelineWidget::resizeEvent(QResizeEvent* event)
-{
-    m_parts = TimelineGeometry(m_parts.metrics(), size());
-    QWidget::resizeEvent(event);
 }

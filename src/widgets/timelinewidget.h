@@ -92,9 +92,9 @@ protected:
     void mouseMoveEvent(QMouseEvent* event) override;
     void leaveEvent(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
-    void resizeEvent(QResizeEvent* event) override;
 
-    [[nodiscard]] const TimelineGeometry& parts() const { return m_parts; }
+    /// Where everything lies now.
+    [[nodiscard]] TimelineGeometry parts() const { return TimelineGeometry(m_metrics, size()); }
     [[nodiscard]] const TimelineDisplay& display() const { return m_display; }
     [[nodiscard]] FrameRange range() const { return m_range; }
     [[nodiscard]] FrameRange cachedRange() const { return m_cached; }
@@ -123,7 +123,7 @@ private:
     void dragRange(QPoint position);
 
     TimelineDisplay& m_display; // of this kind of timeline, in the settings
-    TimelineGeometry m_parts;
+    const TimelineMetrics& m_metrics; // static
     TimelineMenu m_menu;
     const Bookmarks* m_bookmarks = nullptr; // not owned
     int m_currentFrame = 1;

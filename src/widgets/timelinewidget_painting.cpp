@@ -18,6 +18,7 @@ constexpr double handleRadius = 1.0;
 constexpr int measuredRateColumn = 36;
 constexpr int unitColumn = 65;
 constexpr int columnGap = 2;
+constexpr int stretchError = 2; // pixels that a condensed text may turn out wider than asked for
 
 } // namespace
 
@@ -37,23 +38,23 @@ void TimelineWidget::paintEvent(QPaintEvent* /*event*/)
 
 void TimelineWidget::drawBackground(QPainter* painter)
 {
-    fill(painter, m_parts.track(), timelinecolours::track);
+    fill(painter, parts().track(), timelinecolours::track);
 }
 
 void TimelineWidget::drawPlaybackRange(QPainter* painter)
 {
     const PixelSpan ends = rangeEnds();
     if (m_hover == Hover::Range) {
-        fill(painter, m_parts.rangeHighlight(ends), timelinecolours::handlePen);
+        fill(painter, parts().rangeHighlight(ends), timelinecolours::handlePen);
     }
-    fill(painter, m_parts.rangeBar(ends), timelinecolours::range);
+    fill(painter, parts().rangeBar(ends), timelinecolours::range);
     if (m_display.showCache) {
         const PixelSpan cached{ positionOfFrame(std::max(m_cached.start, 1)),
             positionOfFrame(std::min(m_frameCount, m_cached.end)) };
-        fill(painter, m_parts.cacheBand(cached), timelinecolours::cache);
+        fill(painter, parts().cacheBand(cached), timelinecolours::cache);
     }
-    fill(painter, m_parts.tick(ends.from), timelinecolours::range);
-    fill(painter, m_parts.tick(ends.to), timelinecolours::range);
+    fill(painter, parts().tick(ends.from), timelinecolours::range);
+    fill(painter, parts().tick(ends.to), timelinecolours::range);
     drawHandles(painter, ends);
 }
 
@@ -62,10 +63,10 @@ void TimelineWidget::drawHandles(QPainter* painter, PixelSpan ends) const
     painter->setPen(QPen(timelinecolours::handlePen, handlePenWidth));
     painter->setBrush(timelinecolours::handleFill);
     if (m_hover == Hover::Start || m_hover == Hover::Range) {
-        painter->drawRoundedRect(m_parts.startHandle(ends.from), handleRadius, handleRadius);
+        painter->drawRoundedRect(parts().startHandle(ends.from), handleRadius, handleRadius);
     }
     if (m_hover == Hover::End || m_hover == Hover::Range) {
-        painter->drawRoundedRect(m_parts.endHandle(ends.to), handleRadius, handleRadius);
+        painter->drawRoundedRect(parts().endHandle(ends.to), handleRadius, handleRadius);
     }
 }
 
@@ -91,15 +92,15 @@ void TimelineWidget::drawHoverFrame(QPainter* painter)
 void TimelineWidget::drawFrame(
     QPainter* painter, int frame, int x, const QColor& marker, const QColor& label) const
 {
-    if (x == TimelineGeometry::noPosition || !m_parts.label(x).intersects(rect())) {
+    if (x == TimelineGeometry::noPosition || !parts().label(x).intersects(rect())) {
         return;
     }
-    fill(painter, m_parts.marker(x), marker);
+    fill(painter, parts().marker(x), marker);
     QFont font = painter->font();
-    font.setPointSize(m_parts.metrics().labelPointSize);
+    font.setPointSize(m_metrics.labelPointSize);
     painter->setFont(font);
     painter->setPen(label);
-    painter->drawText(m_parts.label(x), Qt::AlignCenter, frameToString(frame));
+    painter->drawText(parts().label(x), Qt::AlignCenter, frameToString(frame));
 }
 
 void TimelineWidget::drawFrameBookmarks(QPainter* painter)
@@ -117,7 +118,7 @@ void TimelineWidget::drawRangeBookmarks(QPainter* painter)
     }
     for (const RangeBookmark& bookmark : m_bookmarks->ranges()) {
         const PixelSpan ends{ positionOfFrame(bookmark.start), positionOfFrame(bookmark.end) };
-        fill(painter, m_parts.rangeBookmark(ends), timelinecolours::rangeBookmark);
+        fill(painter, parts().rangeBookmark(ends), timelinecolours::rangeBookmark);
     }
 }
 
@@ -133,7 +134,7 @@ void TimelineWidget::drawBookmarksBetween(QPainter* painter, int first, int last
     for (auto frame = frames.lowerBound(first); frame != frames.cend() && frame.key() <= last;
          ++frame) {
         const int x = positionOfFrame(frame.key());
-        const QRect line = m_parts.marker(x);
+        const QRect line = parts().marker(x);
         if (x == previous || !line.intersects(rect())) {
             continue;
         }
@@ -151,13 +152,13 @@ void TimelineWidget::drawLength(QPainter* painter)
     } else if (m_displayType == DISPLAY_TYPE::FrameNumbers) {
         text += QStringLiteral(" frames");
     }
-    const QRect box = m_parts.leftText();
+    const QRect box = parts().leftText();
     drawSideText(painter, box, box.width(), Qt::AlignLeft, text);
 }
 
 void TimelineWidget::drawRate(QPainter* painter)
 {
-    const QRect box = m_parts.rightText();
+    const QRect box = parts().rightText();
     const QRect middle = box.translated(measuredRateColumn, 0);
     const QRect unit = box.translated(unitColumn, 0);
     const int middleWidth = unitColumn - measuredRateColumn - columnGap;
@@ -181,11 +182,11 @@ void TimelineWidget::drawSideText(QPainter* painter, const QRect& box, int width
     font.setStretch(QFont::Unstretched);
     const int needed = QFontMetrics(font, painter->device()).horizontalAdvance(text);
     if (needed > width && width > 0) {
-        font.setStretch(std::max(1, QFont::Unstretched * width / needed));
+        font.setStretch(std::max(1, QFont::Unstretched * (width - stretchError) / needed));
     }
     painter->setFont(font);
     painter->setPen(colour);
-    painter->drawText(box, flags, text);
+    painter->drawText(box, flags | Qt::TextDontClip, text);
 }
 
 void TimelineWidget::fill(QPainter* painter, const QRect& rect, const QColor& colour) const
