@@ -43,9 +43,6 @@ QString userKey(const QString& uniqueKey)
 
 } // namespace
 
-// The block is looked for before it is created, as creating resets the lock of a block in use. A
-// block that a killed instance has left goes with the last one to detach from it, so it is attached
-// to twice: the second time finds only a block that somebody uses.
 SingleApplication::SingleApplication(int& argc, char** argv, const QString& uniqueKey)
     : QApplication(argc, argv)
     , m_startupLock(
@@ -54,20 +51,34 @@ SingleApplication::SingleApplication(int& argc, char** argv, const QString& uniq
     , m_socketName(userKey(uniqueKey))
 {
     take(m_startupLock, startupLockMs);
-    if (m_sharedMemory->attach()) {
-        m_sharedMemory->detach();
-    }
-    if (m_sharedMemory->attach()) {
-        m_alreadyRunning = true;
-    } else if (m_sharedMemory->create(blockSize)) {
-        becomeFirst();
-    } else {
-        // Without the lock's protection another launch may just have created it.
-        m_alreadyRunning = m_sharedMemory->attach();
+    // The second time helps where another block has the key of the file that was just made for this
+    // one: one left behind, whose own file has been removed, or one that was made this very moment.
+    if (!findPlace() && !findPlace()) {
+        Logger::displayWarning(
+            tr("Later launches will not be received: %1").arg(m_sharedMemory->errorString()));
     }
     if (!m_alreadyRunning) {
         m_startupLock.unlock();
     }
+}
+
+// The block is looked for before it is created, as creating resets the lock of a block in use. A
+// block that a killed instance has left goes with the last one to detach from it, so it is attached
+// to twice: the second time finds only a block that somebody uses.
+bool SingleApplication::findPlace()
+{
+    if (m_sharedMemory->attach()) {
+        m_sharedMemory->detach();
+    }
+    m_alreadyRunning = m_sharedMemory->attach();
+    if (m_alreadyRunning) {
+        return true;
+    }
+    if (!m_sharedMemory->create(blockSize)) {
+        return false;
+    }
+    becomeFirst();
+    return true;
 }
 
 SingleApplication::~SingleApplication()

@@ -48,6 +48,8 @@ protected:
     bool event(QEvent* event) override;
 
 private:
+    /// As the first instance or a later one; false if the block can be neither had nor made.
+    [[nodiscard]] bool findPlace();
     void becomeFirst();
     [[nodiscard]] MessageQueue queue();
     [[nodiscard]] bool sendThroughBlock(const QStringList& words);
