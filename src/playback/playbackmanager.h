@@ -6,6 +6,7 @@
 #include "mediasource.h"
 
 #include <QObject>
+#include <QSize>
 #include <QString>
 #include <QTimer>
 
@@ -51,6 +52,11 @@ public:
 
     [[nodiscard]] State state() const { return m_state; }
     [[nodiscard]] Status status() const { return m_status; }
+    /// A file is on its way to its first Ready.
+    [[nodiscard]] bool isLoading() const
+    {
+        return m_status == Loading || m_status == Loaded || !m_pendingFilename.isEmpty();
+    }
     [[nodiscard]] QString mediaFilename() const
     {
         return m_mediaSource ? m_mediaSource->filename : QString();
@@ -78,6 +84,10 @@ public:
     {
         return m_mediaSource ? m_mediaSource->videoHeight() : -1;
     }
+    /// Pixels at 100 % as the picture is shown: turned as the file and the user ask, with square
+    /// pixels, of which the side that is too short is stretched and rounded to the nearest. Without
+    /// a picture, also while the file is being opened, an invalid size.
+    [[nodiscard]] QSize shownVideoSize() const;
     [[nodiscard]] bool hasAudio() const { return m_engineStatus.audio > AudioManager::NoAudio; }
     [[nodiscard]] double speedMultiplier() const; // 1.0 without media
     void setSpeedMultiplier(double multiplier);

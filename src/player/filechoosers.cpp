@@ -1,5 +1,7 @@
 #include "filechoosers.h"
 
+#include "settingsstore.h"
+
 #include <QCoreApplication>
 #include <QDir>
 #include <QFileDialog>
@@ -15,10 +17,21 @@ QString tr(const char* text)
     return QCoreApplication::translate("filechoosers", text);
 }
 
-QString directoryOfNewest(const QStringList& recentFiles)
+QString directoryOfNewest(const QStringList& recentFiles, const QString& otherwise)
 {
     const QFileInfo newest(recentFiles.value(0));
-    return !recentFiles.isEmpty() && newest.exists() ? newest.absolutePath() : QDir::homePath();
+    return !recentFiles.isEmpty() && newest.exists() ? newest.absolutePath() : otherwise;
+}
+
+// `directory` is where the dialog was left the last time.
+QString chooseToOpen(QWidget* parent, const QString& title, QString& directory,
+    const QString& filters, QString selectedFilter)
+{
+    QString file = QFileDialog::getOpenFileName(parent, title, directory, filters, &selectedFilter);
+    if (!file.isEmpty()) {
+        directory = QFileInfo(file).absolutePath();
+    }
+    return file;
 }
 
 } // namespace
@@ -27,16 +40,32 @@ QString filechoosers::mediaToOpen(QWidget* parent, const QStringList& recentFile
 {
     static QString directory;
     if (directory.isEmpty()) {
-        directory = directoryOfNewest(recentFiles);
+        directory = directoryOfNewest(recentFiles, QDir::homePath());
     }
     const QString patterns = QString::fromLatin1(videoPatterns);
-    QString selected = tr("Video Files (%1)").arg(patterns);
-    const QString file = QFileDialog::getOpenFileName(parent, tr("Open File"), directory,
-        tr("All Files (*.*);;Video Files (%1)").arg(patterns), &selected);
-    if (!file.isEmpty()) {
-        directory = QFileInfo(file).absolutePath();
+    return chooseToOpen(parent, tr("Open File"), directory,
+        tr("All Files (*.*);;Video Files (%1)").arg(patterns),
+        tr("Video Files (%1)").arg(patterns));
+}
+
+QString filechoosers::bookmarksToOpen(QWidget* parent, const QStringList& recentFiles)
+{
+    static QString directory;
+    if (directory.isEmpty()) {
+        directory = directoryOfNewest(recentFiles, bookmarksDirectory());
     }
-    return file;
+    const QString extension = QString::fromLatin1(bookmarksExtension);
+    return chooseToOpen(parent, tr("Open Bookmarks"), directory,
+        tr("All Files (*.*);;Bookmarks Files (*.%1)").arg(extension),
+        tr("Bookmarks Files (*.%1)").arg(extension));
+}
+
+QString filechoosers::bookmarksDestination(QWidget* parent)
+{
+    const QString extension = QString::fromLatin1(bookmarksExtension);
+    QString selected = tr("Bookmarks Files (*.%1)").arg(extension);
+    return QFileDialog::getSaveFileName(parent, tr("Save Bookmarks"), bookmarksDirectory(),
+        tr("All Files (*.*);;Bookmarks Files (*.%1)").arg(extension), &selected);
 }
 
 QString filechoosers::copyDestination(QWidget* parent, const QString& media)

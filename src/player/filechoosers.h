@@ -12,6 +12,12 @@ namespace filechoosers {
 /// A media file to open. It starts beside the newest recent file, or at home.
 QString mediaToOpen(QWidget* parent, const QStringList& recentFiles);
 
+/// A bookmarks file to open. It starts beside the newest recent one, or in the folder for them.
+QString bookmarksToOpen(QWidget* parent, const QStringList& recentFiles);
+
+/// Where to save bookmarks.
+QString bookmarksDestination(QWidget* parent);
+
 /// Where to copy `media` to.
 QString copyDestination(QWidget* parent, const QString& media);
 

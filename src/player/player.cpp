@@ -1,36 +1,32 @@
 #include "player.h"
 
+#include "bookmarkcommands.h"
+#include "commandmenus.h"
 #include "consolewindow.h"
-#include "filechoosers.h"
-#include "launchrequest.h"
 #include "logger.h"
-#include "mediacopy.h"
+#include "mediainfodialog.h"
 #include "playbackcontrolwidget.h"
+#include "rangemenu.h"
 #include "rangetimelinewidget.h"
-#include "recentlist.h"
-#include "recentmenu.h"
 #include "settings.h"
 #include "settingsstore.h"
 #include "softwareviewer.h"
+#include "tcpserver.h"
 #include "timelinewidget.h"
 #include "transport.h"
 #include "volumewidget.h"
 #include "windowplacement.h"
 
-#include <QAction>
 #include <QCloseEvent>
 #include <QFileInfo>
 #include <QIcon>
 #include <QLayout>
-#include <QMenu>
-#include <QProgressDialog>
-#include <QShortcut>
+#include <QMenuBar>
 
 namespace {
 
 constexpr int volumeWidth = 90; // pixels
 constexpr int statsIntervalMs = 500;
-constexpr int64_t bytesPerMegabyte = 1000000;
 constexpr int noFrame = -1;
 
 } // namespace
@@ -39,19 +35,25 @@ Player::Player(const QString& filename, int rangeStart, int rangeEnd, QWidget* p
     : QWidget(parent)
     , m_manager(new PlaybackManager(this))
     , m_transport(new Transport(*m_manager, m_bookmarks, this))
-    , m_recentMedia(new QMenu(tr("Recent Media"), this))
+    , m_bookmarkCommands(new BookmarkCommands(m_bookmarks, *m_transport, this))
+    , m_remote(new TcpServer(this))
 {
     setWindowIcon(QIcon(QStringLiteral(":/icons/application.png")));
     loadSettings();
     settings().openMediaInNewPlayers = false; // there is one window
     showTitle(noFrame);
     createWidgets();
+    m_menus = std::make_unique<CommandMenus>(this);
+    layout()->setMenuBar(&m_menus->bar());
+    setAcceptDrops(true);
+    setContextMenuPolicy(Qt::CustomContextMenu);
     connectManager();
     connectTransport();
     connectControls();
-    createShortcuts();
+    connectRemote();
     applySettings();
-    open(filename, rangeStart, rangeEnd);
+    m_created = true;
+    openAny(filename, rangeStart, rangeEnd);
 }
 
 Player::~Player()
@@ -118,49 +120,27 @@ void Player::connectControls()
     connect(m_controls, &PlaybackControlWidget::seekStartClicked, this, &Player::seekRangeStart);
     connect(m_controls, &PlaybackControlWidget::seekEndClicked, this, &Player::seekRangeEnd);
     connect(m_volume, &VolumeWidget::volumeChanged, this, &Player::setVolume);
+    connect(this, &QWidget::customContextMenuRequested, this, &Player::contextMenu);
+    connect(m_bookmarkCommands, &BookmarkCommands::rangesChanged, this,
+        [this] { m_menus->rangeMenu().offer(m_bookmarks.ranges()); });
+    for (TimelineWidget* timeline : { m_timeline, static_cast<TimelineWidget*>(m_rangeTimeline) }) {
+        connect(m_bookmarkCommands, &BookmarkCommands::changed, timeline,
+            qOverload<>(&QWidget::update));
+    }
 }
 
-void Player::createShortcuts()
+void Player::connectRemote()
 {
-    struct Shortcut {
-        const char* key;
-        void (Player::*slot)();
-        bool repeats = true;
-    };
-    static const Shortcut shortcuts[] = {
-        { "L", &Player::play },
-        { "K", &Player::pause },
-        { "I", &Player::setStartRangeToCurrent },
-        { "O", &Player::setEndRangeToCurrent },
-        { "=", &Player::increaseSpeed },
-        { "Right", &Player::stepForward },
-        { "Left", &Player::stepBackward },
-        { "Space", &Player::playForward, false },
-        { "0", &Player::setSpeedNormal },
-        { "9", &Player::setSpeedHalf },
-        { "8", &Player::setSpeedQuarter },
-        { "+", &Player::increaseSpeed },
-        { "-", &Player::decreaseSpeed },
-        { ",", &Player::setStartRangeToCurrent },
-        { ".", &Player::setEndRangeToCurrent },
-        { "C", &Player::cacheFromCurrent },
-        { "M", &Player::toggleMute, false },
-        { "Home", &Player::seekStart },
-        { "End", &Player::seekEnd },
-        { "Ctrl+Left", &Player::seekRangeStart },
-        { "Ctrl+Right", &Player::seekRangeEnd },
-        { "Ctrl+P", &Player::resetFrameRange },
-        { "Ctrl+0", &Player::setCustomSpeed },
-        { "Ctrl+O", &Player::open },
-        { "Ctrl+D", &Player::copyCurrentMedia },
-        { "Ctrl+W", &Player::stop },
-        { "F10", &Player::console },
-    };
-    for (const Shortcut& row : shortcuts) {
-        auto* shortcut = new QShortcut(QKeySequence(QString::fromLatin1(row.key)), this);
-        shortcut->setAutoRepeat(row.repeats);
-        connect(shortcut, &QShortcut::activated, this, row.slot);
-    }
+    connect(m_remote, &TcpServer::fileChanged, this,
+        qOverload<const QString&, int, int>(&Player::open));
+    connect(m_remote, &TcpServer::bookmarksFileChanged, this,
+        qOverload<const QString&, int, int>(&Player::openBookmarksFile));
+    connect(m_remote, &TcpServer::frameChanged, m_transport, &Transport::goToWhenLoaded);
+    connect(
+        m_remote, &TcpServer::frameChangedRelative, m_transport, &Transport::goToInRangeWhenLoaded);
+    connect(
+        m_remote, &TcpServer::rangeStartChanged, m_transport, &Transport::setRangeStartWhenLoaded);
+    connect(m_remote, &TcpServer::rangeEndChanged, m_transport, &Transport::setRangeEndWhenLoaded);
 }
 
 void Player::applySettings()
@@ -172,104 +152,18 @@ void Player::applySettings()
     m_layout->setRangeTimelineAtTop(values.rangeTimeline.positionAtTop);
     m_console->setSavedGeometry(values.consoleGeometry);
     m_console->setShowOnLevel(values.displayConsoleOnType);
-    rebuildRecentMedia();
+    rebuildRecentMenus();
     if (values.windowGeometry.isEmpty() || !restoreGeometry(values.windowGeometry)) {
         resize(windowplacement::firstSize);
     }
+    setMenuBarVisible(values.showMenuBar);
     setBottomToolbarVisible(values.showBottomToolbar);
     m_manager->setVolume(values.muted ? 0 : values.volume);
     m_manager->setViewer(m_viewer);
-}
-
-void Player::open()
-{
-    open(filechoosers::mediaToOpen(this, settings().recentFiles), -1, -1);
-}
-
-void Player::open(const QString& filename, int rangeStart, int rangeEnd)
-{
-    if (filename.isEmpty() || m_closePending) {
-        return;
+    if (!m_remote->listen()) {
+        m_console->warning(
+            tr("Remote control is off: port %1 cannot be used.").arg(values.tcpPort));
     }
-    show();
-    const QFileInfo file(filename);
-    const QString path = file.absoluteFilePath();
-    if (!file.exists()) {
-        reportError(tr("File not found: %1").arg(path));
-        return;
-    }
-    m_bookmarks.clear();
-    m_bookmarksFile.clear();
-    m_bookmarks.mediaPath = path;
-    m_transport->expectMedia(rangeStart, rangeEnd);
-    if (m_manager->setMedia(
-            path, settings().cacheSize * bytesPerMegabyte, settings().cacheTrailingPct)) {
-        recentlist::add(settings().recentFiles, path, settings().numRecentFiles);
-        rebuildRecentMedia();
-    }
-}
-
-void Player::openRecent()
-{
-    if (const auto* entry = qobject_cast<QAction*>(sender())) {
-        open(entry->data().toString(), -1, -1);
-    }
-}
-
-void Player::rebuildRecentMedia()
-{
-    const auto entries =
-        recentmenu::fill(*m_recentMedia, settings().recentFiles, settings().numRecentFiles);
-    for (const QAction* entry : entries) {
-        connect(entry, &QAction::triggered, this, &Player::openRecent);
-    }
-}
-
-void Player::copyCurrentMedia()
-{
-    const QString media = m_manager->mediaFilename();
-    if (isStopped() || !QFileInfo::exists(media)) {
-        return;
-    }
-    const QString destination = filechoosers::copyDestination(this, media);
-    if (destination.isEmpty()) {
-        return;
-    }
-    auto* copy = new MediaCopy(media, destination, this);
-    auto* progress = new QProgressDialog(
-        tr("Copying %1").arg(QFileInfo(media).fileName()), tr("Cancel"), 0, 100, this);
-    progress->setWindowTitle(tr("Copy Current Media"));
-    progress->setWindowModality(Qt::WindowModal);
-    connect(copy, &MediaCopy::progressed, progress, &QProgressDialog::setValue);
-    connect(progress, &QProgressDialog::canceled, copy, &MediaCopy::cancel);
-    connect(copy, &MediaCopy::finished, progress, &QObject::deleteLater);
-    connect(copy, &MediaCopy::finished, this, [this, copy] { finishCopy(*copy); });
-    copy->start();
-}
-
-void Player::finishCopy(MediaCopy& copy)
-{
-    if (copy.result() == MediaCopy::Result::OverwriteFailed) {
-        reportError(tr("Failed to overwrite file: %1").arg(copy.destination()));
-    } else if (copy.result() == MediaCopy::Result::CopyFailed) {
-        reportError(tr("Failed to copy file to %1").arg(copy.destination()));
-    }
-    copy.deleteLater();
-}
-
-void Player::receiveMessageFromOtherInstance(const QStringList& args)
-{
-    if (m_closePending) {
-        return;
-    }
-    if (isMinimized()) {
-        showNormal();
-    }
-    show();
-    raise();
-    activateWindow();
-    const LaunchRequest request = LaunchRequest::fromMessage(args);
-    open(request.file, request.rangeStart, request.rangeEnd);
 }
 
 void Player::setPlaybackTime(double playbackTime)
@@ -291,6 +185,9 @@ void Player::onStateChange(PlaybackManager::State state)
         showTitle(noFrame);
         m_timeline->hide();
         m_rangeTimeline->hide();
+        if (m_mediaInfo) {
+            m_mediaInfo->clear();
+        }
     }
 }
 
@@ -323,6 +220,7 @@ void Player::onLoaded()
         timeline->setCurrentFrame(1);
         timeline->setFrameCount(m_transport->lastFrame());
     }
+    m_menus->rangeMenu().offer(m_bookmarks.ranges());
     updateStats();
     m_timeline->setVisible(settings().showTimeline);
     m_rangeTimeline->setVisible(settings().showRangeTimeline);
@@ -366,29 +264,6 @@ void Player::showCachedRange()
 bool Player::isStopped() const
 {
     return m_manager->state() == PlaybackManager::Stopped;
-}
-
-// What a scrub interrupted is not resumed by a later one.
-bool Player::eventFilter(QObject* watched, QEvent* event)
-{
-    if (event->type() == QEvent::MouseButtonPress) {
-        m_transport->forgetResume();
-    }
-    return QWidget::eventFilter(watched, event);
-}
-
-void Player::mousePressEvent(QMouseEvent* event)
-{
-    m_transport->forgetResume();
-    QWidget::mousePressEvent(event);
-}
-
-void Player::mouseReleaseEvent(QMouseEvent* event)
-{
-    if (event->button() == Qt::LeftButton) {
-        m_transport->endScrub();
-    }
-    event->accept();
 }
 
 void Player::closeEvent(QCloseEvent* event)

@@ -1,15 +1,16 @@
-// What the commands lead to, in the order of the header. What the window makes of the manager's
-// answers stands in player.cpp.
+// The commands of playing, the range, bookmarks, speed and sound.
+#include "bookmarkcommands.h"
 #include "consolewindow.h"
+#include "mediainfodialog.h"
 #include "playbackcontrolwidget.h"
 #include "player.h"
 #include "rangetimelinewidget.h"
 #include "settings.h"
 #include "speedladder.h"
-#include "timelinewidget.h"
 #include "transport.h"
 #include "volumewidget.h"
 
+#include <QAction>
 #include <QInputDialog>
 
 namespace {
@@ -37,6 +38,9 @@ void Player::pause()
 void Player::stop()
 {
     m_transport->forgetResume();
+    if (m_mediaInfo) {
+        m_mediaInfo->hide();
+    }
     m_manager->stop();
     if (m_console) {
         m_console->hide();
@@ -139,9 +143,78 @@ void Player::resetFrameRange()
     m_transport->setRange(1, m_transport->lastFrame());
 }
 
+void Player::addFrameBookmark()
+{
+    addFrameBookmark(m_transport->currentFrame());
+}
+
+void Player::addFrameBookmark(int frame)
+{
+    m_bookmarkCommands->addFrame(frame);
+}
+
+void Player::addRangeBookmark()
+{
+    addRangeBookmark(m_transport->range().start, m_transport->range().end);
+}
+
+void Player::addRangeBookmark(int startFrame, int endFrame)
+{
+    m_bookmarkCommands->addRange(startFrame, endFrame);
+}
+
+void Player::clearCurrentFrameBookmark()
+{
+    m_bookmarkCommands->removeCurrentFrame();
+}
+
+void Player::clearFrameBookmarksInRange()
+{
+    m_bookmarkCommands->removeFramesInRange();
+}
+
+void Player::clearAllFrameBookmarks()
+{
+    m_bookmarkCommands->clearFrames();
+}
+
+void Player::clearCurrentRangeBookmark()
+{
+    m_bookmarkCommands->removeCurrentRange();
+}
+
+void Player::clearAllRangeBookmarks()
+{
+    m_bookmarkCommands->clearRanges();
+}
+
+void Player::clearAllBookmarks()
+{
+    clearAllFrameBookmarks();
+    clearAllRangeBookmarks();
+}
+
+void Player::cycleFrameBookmarks(bool backward)
+{
+    m_bookmarkCommands->cycleFrames(backward);
+}
+
+void Player::cycleRangeBookmarks(bool backward)
+{
+    m_bookmarkCommands->cycleRanges(backward);
+}
+
 void Player::setRangeBookmark(int startFrame, int endFrame)
 {
     m_transport->setRangeBookmark(startFrame, endFrame);
+}
+
+void Player::setRangeBookmark()
+{
+    if (const auto* entry = qobject_cast<QAction*>(sender())) {
+        const QStringList ends = entry->data().toStringList();
+        setRangeBookmark(ends.value(0).toInt(), ends.value(1).toInt());
+    }
 }
 
 void Player::setSpeedMultiplier(double multiplier)
@@ -224,53 +297,4 @@ void Player::incrementVolume(int increment)
     }
     m_volume->setVolume(m_volume->volume() + increment);
     m_manager->setVolume(m_volume->volume());
-}
-
-void Player::setTimelineVisible(bool vis)
-{
-    settings().showTimeline = vis;
-    if (!isStopped()) {
-        m_timeline->setVisible(vis);
-    }
-}
-
-void Player::setRangeTimelineVisible(bool vis)
-{
-    settings().showRangeTimeline = vis;
-    if (!isStopped()) {
-        m_rangeTimeline->setVisible(vis);
-    }
-}
-
-void Player::setBottomToolbarVisible(bool vis)
-{
-    m_controls->setVisible(vis);
-    m_volume->setVisible(vis);
-    settings().showBottomToolbar = vis;
-}
-
-void Player::setTimelineAtTop(bool top)
-{
-    m_layout->setTimelineAtTop(top);
-    settings().timeline.positionAtTop = top;
-}
-
-void Player::setRangeTimelineAtTop(bool top)
-{
-    m_layout->setRangeTimelineAtTop(top);
-    settings().rangeTimeline.positionAtTop = top;
-}
-
-void Player::console()
-{
-    m_console->show();
-    m_console->raise();
-    m_console->activateWindow();
-}
-
-void Player::updateStats()
-{
-    if (m_manager->state() == PlaybackManager::Paused) {
-        showCachedRange(); // while playing, the play head does
-    }
 }

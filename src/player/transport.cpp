@@ -149,6 +149,15 @@ void Transport::stepBackward()
     goTo(previous, { .audioScrub = true, .skipPlayWhenReady = true });
 }
 
+void Transport::scrubBy(int frames)
+{
+    int target = currentFrame() + frames;
+    if (settings().loopOnScrub && !m_range.contains(target)) {
+        target = frames < 0 ? m_range.end : m_range.start;
+    }
+    goTo(target, { .audioScrub = m_manager.frameDuration() != 0.0 });
+}
+
 void Transport::setSpeed(double multiplier)
 {
     m_manager.setSpeedMultiplier(speedladder::clamped(multiplier));
@@ -182,6 +191,59 @@ void Transport::expectMedia(int rangeStart, int rangeEnd)
     m_pendingRangeStart = rangeStart;
     m_pendingRangeEnd = rangeEnd;
     m_resumeAfterScrub = false;
+    m_waiting = {};
+}
+
+void Transport::goToWhenLoaded(int frame)
+{
+    if (m_manager.isLoading()) {
+        m_waiting.frame = frame;
+        m_waiting.frameIsOfRange = false;
+    } else {
+        goTo(frame);
+    }
+}
+
+void Transport::goToInRangeWhenLoaded(int frame)
+{
+    if (m_manager.isLoading()) {
+        m_waiting.frame = frame;
+        m_waiting.frameIsOfRange = true;
+    } else {
+        goToInRange(frame);
+    }
+}
+
+void Transport::setRangeStartWhenLoaded(int frame)
+{
+    if (m_manager.isLoading()) {
+        m_waiting.rangeStart = frame;
+    } else {
+        setRange(frame, m_range.end);
+    }
+}
+
+void Transport::setRangeEndWhenLoaded(int frame)
+{
+    if (m_manager.isLoading()) {
+        m_waiting.rangeEnd = frame;
+    } else {
+        setRange(m_range.start, frame);
+    }
+}
+
+void Transport::carryOutWaiting()
+{
+    const Waiting waiting = std::exchange(m_waiting, {});
+    if (waiting.rangeStart || waiting.rangeEnd) {
+        setRange(
+            waiting.rangeStart.value_or(m_range.start), waiting.rangeEnd.value_or(m_range.end));
+    }
+    if (waiting.frame && waiting.frameIsOfRange) {
+        goToInRange(*waiting.frame);
+    } else if (waiting.frame) {
+        goTo(*waiting.frame);
+    }
 }
 
 void Transport::endScrub()
@@ -299,7 +361,6 @@ bool Transport::applyPendingRange()
     const int end = std::exchange(m_pendingRangeEnd, notGiven);
     setRange(start, end);
     goTo(m_range.start);
-    m_playWhenReady = settings().autoplay;
     return true;
 }
 
@@ -313,7 +374,6 @@ bool Transport::applySavedRange()
     if (start >= 0 && end >= 0) {
         setRangeBookmark(start, end);
     }
-    m_playWhenReady = settings().autoplay;
     return true;
 }
 

@@ -7,6 +7,8 @@
 #include <QElapsedTimer>
 #include <QObject>
 
+#include <optional>
+
 class Bookmarks;
 class PlaybackManager;
 
@@ -44,6 +46,9 @@ public:
     void pause();
     void stepForward();
     void stepBackward();
+    /// A drag over the video: `frames` on, back when negative; at the range's ends it loops where
+    /// the settings want it.
+    void scrubBy(int frames);
     void setSpeed(double multiplier);
 
     /// Clamps to the media. The range no longer stands for a range bookmark.
@@ -54,6 +59,12 @@ public:
     /// A new file is coming; the range, -1 for an end that was not given, is applied when it is
     /// ready.
     void expectMedia(int rangeStart, int rangeEnd);
+    /// As goTo(), goToInRange() and setRange() of one end, but while a file loads they wait for it:
+    /// the newest of each is carried out once it is ready.
+    void goToWhenLoaded(int frame);
+    void goToInRangeWhenLoaded(int frame);
+    void setRangeStartWhenLoaded(int frame);
+    void setRangeEndWhenLoaded(int frame);
     /// Forgets what was to be resumed.
     void forgetResume() { m_resumeAfterScrub = false; }
     /// The mouse button that scrubbed was let go: goes on playing if that was interrupted.
@@ -81,6 +92,14 @@ Q_SIGNALS:
     void repaintNeeded();
 
 private:
+    // Asked for while a file loads.
+    struct Waiting {
+        std::optional<int> rangeStart;
+        std::optional<int> rangeEnd;
+        std::optional<int> frame; // of the media or, if so, of the range
+        bool frameIsOfRange = false;
+    };
+
     void startIfReady();
     void goToRangeStart();
     void loopToRangeStart();
@@ -88,6 +107,7 @@ private:
     void applyRange(FrameRange range);
     bool applyPendingRange();
     bool applySavedRange();
+    void carryOutWaiting();
 
     PlaybackManager& m_manager;
     Bookmarks& m_bookmarks;
@@ -98,6 +118,7 @@ private:
     int m_lastShownFrame = -1;
     int m_pendingRangeStart = -1;
     int m_pendingRangeEnd = -1;
+    Waiting m_waiting;
     bool m_playWhenReady = false;
     bool m_resumeAfterScrub = false; // a scrub interrupted playing
     bool m_loopPending = false; // the end was reached while playing, with looping on

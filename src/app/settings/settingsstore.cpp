@@ -1,13 +1,11 @@
 #include "settingsstore.h"
 
+#include "inifile.h"
 #include "settings.h"
 #include "settingstable.h"
 
 #include <QDir>
-#include <QFile>
-#include <QSaveFile>
 #include <QSettings>
-#include <QTemporaryDir>
 
 #include <algorithm>
 #include <array>
@@ -53,18 +51,16 @@ void trim(QStringList& list, int length)
     }
 }
 
-void readFile(const QString& path, Settings& values)
+void readValues(const QSettings& file, Settings& values)
 {
-    const QSettings file(path, QSettings::IniFormat);
     for (const SettingRow& row : settingRows(values)) {
-        assignSetting(row, path.isEmpty() ? QVariant() : file.value(fileKey(row)));
+        assignSetting(row, file.value(fileKey(row)));
     }
 }
 
-void writeDraft(const QString& path)
+void writeValues(QSettings& file)
 {
     const std::vector<SettingRow> rows = settingRows(settings());
-    QSettings file(path, QSettings::IniFormat); // writes in its destructor
     for (const char* group : savedGroups) {
         for (const SettingRow& row : rows) {
             if (row.saved && qstrcmp(row.group, group) == 0) {
@@ -74,36 +70,16 @@ void writeDraft(const QString& path)
     }
 }
 
-bool holdsAllSettings(const QString& path)
+bool holdsValues(const QSettings& file)
 {
     Settings found;
-    readFile(path, found);
+    readValues(file, found);
     const std::vector<SettingRow> foundRows = settingRows(found);
     const std::vector<SettingRow> rows = settingRows(settings());
     return std::equal(rows.begin(), rows.end(), foundRows.begin(),
         [](const SettingRow& left, const SettingRow& right) {
             return settingForFile(left) == settingForFile(right);
         });
-}
-
-// The file's new text, empty when it could not be made. QSettings must not write the file itself:
-// it does not notice a full disk and then puts a cut file in the place of the good one. What it has
-// written is read back first, under another name because it would answer from its memory.
-QByteArray textToSave(const QString& path)
-{
-    const QTemporaryDir folder;
-    const QString draft = folder.filePath(QStringLiteral("draft.ini"));
-    QFile checked(folder.filePath(QStringLiteral("checked.ini")));
-    // Starting from a copy keeps the keys that other versions have put there.
-    if (QFile::exists(path) && !QFile::copy(path, draft)) {
-        return QByteArray();
-    }
-    writeDraft(draft);
-    if (!QFile::rename(draft, checked.fileName()) || !holdsAllSettings(checked.fileName())
-        || !checked.open(QIODevice::ReadOnly)) {
-        return QByteArray();
-    }
-    return checked.readAll();
 }
 
 } // namespace
@@ -139,7 +115,8 @@ QString settingsFilePath()
 
 void loadSettings()
 {
-    readFile(settingsFilePath(), settings());
+    // An empty path is a file without keys.
+    readValues(QSettings(settingsFilePath(), QSettings::IniFormat), settings());
     validateSettings();
 }
 
@@ -160,15 +137,5 @@ void validateSettings()
 
 void saveSettings()
 {
-    const QString path = settingsFilePath();
-    if (path.isEmpty()) {
-        return;
-    }
-    const QByteArray text = textToSave(path);
-    QSaveFile file(path); // unless committed, the old file stays
-    // Flushed by hand, because committing does not look at what its own flush says.
-    if (!text.isEmpty() && file.open(QIODevice::WriteOnly) && file.write(text) == text.size()
-        && file.flush()) {
-        file.commit();
-    }
+    inifile::replace(settingsFilePath(), writeValues, holdsValues);
 }

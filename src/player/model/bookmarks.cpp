@@ -1,6 +1,7 @@
 #include "bookmarks.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace {
@@ -44,6 +45,19 @@ void Bookmarks::clearFrames()
     m_frames.clear();
 }
 
+std::optional<int> Bookmarks::cycledFrame(int frame, bool backward) const
+{
+    if (m_frames.isEmpty()) {
+        return std::nullopt;
+    }
+    if (backward) {
+        const auto next = m_frames.lowerBound(frame); // the one before it is smaller
+        return next != m_frames.begin() ? std::prev(next).key() : m_frames.lastKey();
+    }
+    const auto next = m_frames.upperBound(frame);
+    return next != m_frames.end() ? next.key() : m_frames.firstKey();
+}
+
 void Bookmarks::addRange(int start, int end, const QString& name)
 {
     if (start < 0 || end < 0 || containsRange(start, end)) {
@@ -66,6 +80,37 @@ void Bookmarks::removeRange(int start, int end)
 void Bookmarks::clearRanges()
 {
     m_ranges.clear();
+}
+
+void Bookmarks::setRanges(QList<RangeBookmark> ranges)
+{
+    const auto ends = [](const RangeBookmark& range) { return std::pair(range.start, range.end); };
+    const auto isNegative = [](const RangeBookmark& range) {
+        return range.start < 0 || range.end < 0;
+    };
+    ranges.erase(std::remove_if(ranges.begin(), ranges.end(), isNegative), ranges.end());
+    std::stable_sort(ranges.begin(), ranges.end(),
+        [&](const RangeBookmark& a, const RangeBookmark& b) { return ends(a) < ends(b); });
+    const auto last = std::unique(ranges.begin(), ranges.end(),
+        [&](const RangeBookmark& a, const RangeBookmark& b) { return ends(a) == ends(b); });
+    ranges.erase(last, ranges.end());
+    m_ranges = std::move(ranges);
+}
+
+std::optional<RangeBookmark> Bookmarks::cycledRange(int start, int end, bool backward) const
+{
+    if (m_ranges.isEmpty()) {
+        return std::nullopt;
+    }
+    if (!containsRange(start, end)) {
+        return backward ? m_ranges.last() : m_ranges.first();
+    }
+    const auto place =
+        std::lower_bound(m_ranges.begin(), m_ranges.end(), std::pair(start, end), startsBefore);
+    if (backward) {
+        return place != m_ranges.begin() ? *std::prev(place) : m_ranges.last();
+    }
+    return std::next(place) != m_ranges.end() ? *std::next(place) : m_ranges.first();
 }
 
 bool Bookmarks::containsRange(int start, int end) const

@@ -4,6 +4,8 @@
 #include <QMap>
 #include <QString>
 
+#include <optional>
+
 /// A named range of frames, both ends included.
 struct RangeBookmark {
     int start = 0;
@@ -36,10 +38,18 @@ public:
     /// Both ends included; nothing when `start` comes after `end`.
     void removeFrames(int start, int end);
     void clearFrames();
+    /// The bookmark to go to from `frame`: the next one, or after the last one the first; backward
+    /// the other way. Nothing where there is none.
+    [[nodiscard]] std::optional<int> cycledFrame(int frame, bool backward) const;
     /// Ignored if there is one with this start and end, or if one of them is negative.
     void addRange(int start, int end, const QString& name);
     void removeRange(int start, int end);
     void clearRanges();
+    /// All ranges anew, as if added one by one.
+    void setRanges(QList<RangeBookmark> ranges);
+    /// As cycledFrame(), from the bookmark with these ends; where there is none the first one, or
+    /// backward the last.
+    [[nodiscard]] std::optional<RangeBookmark> cycledRange(int start, int end, bool backward) const;
     [[nodiscard]] bool containsRange(int start, int end) const;
     void setCurrentRange(int start, int end);
     void clearCurrentRange();

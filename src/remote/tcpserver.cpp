@@ -1,0 +1,167 @@
+#include "tcpserver.h"
+
+#include "settings.h"
+
+#include <QElapsedTimer>
+#include <QHostAddress>
+#include <QTcpServer>
+#include <QTcpSocket>
+
+#include <utility>
+
+namespace {
+
+using Kind = RemoteCommand::Kind;
+
+constexpr int turnMs = 5; // of lines, before the window has its turn
+constexpr int pauseMs = 1; // between two turns
+constexpr size_t mostRests = 16; // of clients that are no longer served, 64 KiB each at most
+
+} // namespace
+
+TcpServer::TcpServer(QObject* parent)
+    : QObject(parent)
+    , m_server(new QTcpServer(this))
+{
+    m_nextTurn.setSingleShot(true);
+    m_nextTurn.setInterval(pauseMs);
+    connect(&m_nextTurn, &QTimer::timeout, this, &TcpServer::runLines);
+    connect(m_server, &QTcpServer::newConnection, this, &TcpServer::createConnection);
+}
+
+bool TcpServer::listen()
+{
+    return !m_server->isListening()
+        && m_server->listen(QHostAddress::LocalHost, static_cast<quint16>(settings().tcpPort));
+}
+
+quint16 TcpServer::port() const
+{
+    return m_server->serverPort();
+}
+
+void TcpServer::createConnection()
+{
+    QTcpSocket* const socket = m_server->nextPendingConnection();
+    if (!socket) {
+        return;
+    }
+    if (m_client.socket) {
+        // Two that came together are accepted together: what the first one has sent by now has not
+        // been looked for yet.
+        m_client.socket->waitForReadyRead(0);
+    }
+    setAside();
+    socket->setReadBufferSize(LineReader::bufferSize);
+    m_client.socket = socket;
+    if (socket->state() == QAbstractSocket::ConnectedState) {
+        connect(socket, &QTcpSocket::disconnected, this, &TcpServer::breakConnection);
+        connect(socket, &QTcpSocket::readyRead, this, &TcpServer::readData);
+    }
+}
+
+void TcpServer::breakConnection()
+{
+    auto* const socket = qobject_cast<QTcpSocket*>(sender());
+    if (!socket) {
+        return;
+    }
+    if (socket == m_client.socket) {
+        setAside();
+    }
+    socket->deleteLater();
+}
+
+void TcpServer::readData()
+{
+    if (!m_nextTurn.isActive()) {
+        runLines();
+    }
+}
+
+// Nobody is served then. What the client has sent is still to be done, a bufferful at most; only
+// where such rests pile up they are left, as many clients shall not cost much more than one.
+void TcpServer::setAside()
+{
+    if (m_client.socket && m_client.socket->canReadLine() && m_earlier.size() < mostRests) {
+        m_client.rest = std::make_unique<QBuffer>();
+        m_client.rest->setData(m_client.socket->readAll());
+        m_client.rest->open(QIODevice::ReadOnly);
+        m_earlier.push_back(std::move(m_client));
+        m_nextTurn.start();
+    }
+    m_client = {};
+}
+
+void TcpServer::runLines()
+{
+    QElapsedTimer turn;
+    turn.start();
+    while (runNextLine()) {
+        if (turn.elapsed() >= turnMs) {
+            m_nextTurn.start();
+            return;
+        }
+    }
+}
+
+// False when there is none.
+bool TcpServer::runNextLine()
+{
+    while (!m_earlier.empty()) {
+        if (runLine(m_earlier.front())) {
+            return true;
+        }
+        m_earlier.pop_front();
+    }
+    return runLine(m_client);
+}
+
+bool TcpServer::runLine(Client& client)
+{
+    QIODevice* const device = client.rest ? static_cast<QIODevice*>(client.rest.get())
+                                          : static_cast<QIODevice*>(client.socket.data());
+    const auto line = device ? client.reader.next(*device) : std::nullopt;
+    if (!line) {
+        return false;
+    }
+    const bool isFirst = std::exchange(client.beforeFirstLine, false);
+    const auto command = line->whole ? parseCommandLine(line->bytes) : RemoteCommand{};
+    const bool isUnwelcome = isFirst && isBrowserRequest(line->bytes, line->whole);
+    if (!isUnwelcome && command.kind != Kind::Exit) {
+        run(command); // last, as whoever hears of it may let other events in
+        return true;
+    }
+    // Forgotten first, so that nothing more of it is read; then closed, and so released.
+    if (const auto ended = std::exchange(client, {}).socket) {
+        isUnwelcome ? ended->abort() : ended->disconnectFromHost();
+    }
+    return true;
+}
+
+void TcpServer::run(const RemoteCommand& command)
+{
+    switch (command.kind) {
+    case Kind::OpenMedia:
+        Q_EMIT fileChanged(command.file, command.first, command.last);
+        break;
+    case Kind::OpenBookmarks:
+        Q_EMIT bookmarksFileChanged(command.file, command.first, command.last);
+        break;
+    case Kind::Frame:
+        Q_EMIT frameChanged(command.first);
+        break;
+    case Kind::FrameRelative:
+        Q_EMIT frameChangedRelative(command.first);
+        break;
+    case Kind::RangeStart:
+        Q_EMIT rangeStartChanged(command.first);
+        break;
+    case Kind::RangeEnd:
+        Q_EMIT rangeEndChanged(command.first);
+        break;
+    case Kind::None:
+    case Kind::Exit: // ends the connection, which is done before
+        break;
+    }
+}

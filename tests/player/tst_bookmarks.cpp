@@ -1,0 +1,143 @@
+#include "bookmarks.h"
+#include "bookmarksfile.h"
+#include "mousescrubber.h"
+
+#include <QtTest>
+
+// The record of bookmarks, its file, and the scrub over the video.
+class TestBookmarks : public QObject {
+    Q_OBJECT
+
+    QTemporaryDir m_folder;
+
+    [[nodiscard]] QString written(const QByteArray& text) const
+    {
+        QFile file(m_folder.filePath("test.bmk"));
+        return file.open(QIODevice::WriteOnly) && file.write(text) == text.size() ? file.fileName()
+                                                                                  : QString();
+    }
+    static QString inWords(const Bookmarks& bookmarks)
+    {
+        QStringList words;
+        for (const int frame : bookmarks.frames()) {
+            words += QString::number(frame);
+        }
+        for (const RangeBookmark& range : bookmarks.ranges()) {
+            words += QString("%1-%2:%3").arg(range.start).arg(range.end).arg(range.name);
+        }
+        return words.join(' ');
+    }
+
+private Q_SLOTS:
+    void file_isReadTolerantly_data()
+    {
+        QTest::addColumn<QByteArray>("text");
+        QTest::addColumn<QString>("expected");
+        const auto row = [](const char* name, const char* keys, const char* expected) {
+            QTest::newRow(name) << QByteArray("[main]\n").append(keys) << QString(expected);
+        };
+        row("as saved", "frames=\"12,40,97,\"\nranges=\"10,20,10 - 20\", \"3,5,x\"",
+            "12 40 97 3-5:x 10-20:10 - 20");
+        row("strange frames", "frames=\"5,,abc,-3,5,9\"", "5 9");
+        row("unquoted frames", "frames=12,40", "12 40");
+        row("huge numbers", "frames=\"99999999999,7\"\nranges=\"1,99999999999,x\"", "7");
+        row("no name", "ranges=\"10,20\", \"1,2,\"", "");
+        row("commas in the name", "ranges=\"10,20,a,,b\", \"1,2,c,d\"", "1-2:c,d 10-20:a,b");
+        row("twice", "ranges=\"10,20,first\", \"10,20,second\"", "10-20:first");
+        row("in order", "ranges=\"5,20,c\", \"5,8,b\", \"1,10,a\", \"-1,4,n\"",
+            "1-10:a 5-8:b 5-20:c");
+        row("toolkit's escapes and UTF-8", "ranges=\"1,2,\\xe9\xc3\xa9\"", "1-2:\xc3\xa9\xc3\xa9");
+        QTest::newRow("no text at all") << QByteArray("\0\1\2\xff[main\n=", 10) << QString();
+    }
+
+    void file_isReadTolerantly()
+    {
+        QFETCH(QByteArray, text);
+        QFETCH(QString, expected);
+        Bookmarks bookmarks;
+        bookmarks.addFrame(1);
+        bookmarksfile::read(bookmarks, written(text));
+        QCOMPARE(inWords(bookmarks), expected);
+    }
+
+    void file_comesBackAsSaved()
+    {
+        Bookmarks bookmarks;
+        bookmarks.mediaPath = QString::fromUtf8("/films/a,b \"c\"/\xc3\xa9\xe4\xb8\xad.mov");
+        for (const int frame : { 97, 12, 40, -1, 12 }) {
+            bookmarks.addFrame(frame);
+        }
+        bookmarks.addRange(10, 20, "10 - 20");
+        bookmarks.addRange(10, 20, "again");
+        bookmarks.addRange(1, 300, "a, b");
+        bookmarks.setCurrentRange(1, 300);
+        const QString path = written("[other]\nkept=1\n");
+        QVERIFY(bookmarksfile::write(bookmarks, path));
+        Bookmarks found;
+        bookmarksfile::read(found, path);
+        QCOMPARE(inWords(found), QString("12 40 97 1-300:a, b 10-20:10 - 20"));
+        QCOMPARE(found.mediaPath, bookmarks.mediaPath);
+        QCOMPARE(found.currentRangeEnd(), 300);
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const QByteArray text = file.readAll();
+        QVERIFY(text.contains("frames=\"12,40,97,\"") && text.contains("kept=1"));
+        bookmarksfile::read(found, m_folder.filePath("none.bmk"));
+        QCOMPARE(inWords(found), QString());
+        QCOMPARE(found.mediaPath, bookmarks.mediaPath);
+        QVERIFY(!bookmarksfile::write(bookmarks, m_folder.filePath("none/test.bmk")));
+    }
+
+    void cycling_wrapsRound()
+    {
+        Bookmarks bookmarks;
+        QVERIFY(!bookmarks.cycledFrame(1, false) && !bookmarks.cycledRange(1, 2, true));
+        bookmarks.addFrame(10);
+        bookmarks.addFrame(20);
+        QCOMPARE(bookmarks.cycledFrame(10, false).value(), 20);
+        QCOMPARE(bookmarks.cycledFrame(20, false).value(), 10);
+        QCOMPARE(bookmarks.cycledFrame(15, true).value(), 10);
+        QCOMPARE(bookmarks.cycledFrame(5, true).value(), 20);
+        for (const auto& [start, end] : { std::pair(5, 20), std::pair(1, 10), std::pair(5, 8) }) {
+            bookmarks.addRange(start, end, "r");
+        }
+        const auto next = [&](int start, int end, bool backward) {
+            const auto range = bookmarks.cycledRange(start, end, backward);
+            return std::pair(range->start, range->end);
+        };
+        QCOMPARE(next(2, 3, false), std::pair(1, 10));
+        QCOMPARE(next(2, 3, true), std::pair(5, 20));
+        QCOMPARE(next(5, 8, false), std::pair(5, 20));
+        QCOMPARE(next(5, 20, false), std::pair(1, 10));
+        QCOMPARE(next(1, 10, true), std::pair(5, 20));
+        bookmarks.removeFrames(15, 30);
+        bookmarks.removeRange(5, 8);
+        QCOMPARE(inWords(bookmarks), QString("10 1-10:r 5-20:r"));
+    }
+
+    void scrub_countsPixels()
+    {
+        QCOMPARE(MouseScrubber::pixelsPerFrame(true, false), 4);
+        QCOMPARE(MouseScrubber::pixelsPerFrame(false, true), 22);
+        QCOMPARE(MouseScrubber::pixelsPerFrame(true, true), 10);
+        MouseScrubber scrubber;
+        scrubber.begin(100);
+        QCOMPARE(scrubber.move(109, 10, true, 1000).frames, 0);
+        QCOMPARE(scrubber.move(125, 10, true, 1000).frames, 2); // 5 pixels are lost
+        QCOMPARE(scrubber.move(134, 10, true, 1000).frames, 0);
+        QCOMPARE(scrubber.move(115, 10, true, 1000).frames, -1);
+        scrubber.begin(30);
+        auto step = scrubber.move(0, 10, true, 1000); // to the left, out of the screen
+        QCOMPARE(step.frames, -3);
+        QCOMPARE(step.warpTo.value(), 998);
+        QCOMPARE(scrubber.move(0, 10, true, 1000).frames, 0); // older than the warp
+        QCOMPARE(scrubber.move(988, 10, true, 1000).frames, -1);
+        step = scrubber.move(999, 10, true, 1000);
+        QCOMPARE(step.warpTo.value(), 1);
+        QCOMPARE(step.frames, 1);
+        QVERIFY(!scrubber.move(1500, 10, false, 1000).warpTo);
+    }
+};
+
+QTEST_GUILESS_MAIN(TestBookmarks)
+#include "tst_bookmarks.moc"
