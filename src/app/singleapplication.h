@@ -15,8 +15,7 @@ class QTimer;
 /// the block cannot carry (see MessageQueue) goes over a local socket beside it.
 ///
 /// Block, socket and start-up lock have their names in the temporary folder, so instances with
-/// different TMPDIRs do not see each other. Tests run apart from each other, and from a player at
-/// work, by that alone.
+/// different TMPDIRs do not see each other. Tests run apart from a player at work by that alone.
 class SingleApplication : public QApplication {
     Q_OBJECT
 
