@@ -22,7 +22,8 @@ Plays video frame by frame.
   START  the first frame to stay within, counted from 1
   END    the last one
 
-If a player is running already, it opens the file in its window.
+If a player is running already, it opens the file in its window. Programs on this
+machine can drive it through port 17171 (tcpPort in ~/.quillon/vantor.ini).
 
   --help     print this and exit
   --version  print the version and exit
