@@ -35,6 +35,7 @@ QPushButton* makeButton(const Button& description, PlaybackControlWidget* parent
     auto* button = new QPushButton(parent);
     button->setObjectName(QLatin1String(description.id));
     button->setAccessibleName(PlaybackControlWidget::tr(description.name));
+    button->setToolTip(button->accessibleName());
     button->setIcon(controlIcon(QLatin1String(description.icon)));
     button->setIconSize(QSize(iconSize, iconSize));
     button->setFixedSize(buttonSize, buttonSize);

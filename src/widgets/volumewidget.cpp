@@ -33,6 +33,7 @@ VolumeWidget::VolumeWidget(QWidget* parent)
     m_slider->setRange(0, maxVolume);
     m_slider->setAccessibleName(tr("Volume"));
     m_muteButton->setAccessibleName(tr("Mute"));
+    m_muteButton->setToolTip(tr("Mute"));
     m_muteButton->setFixedSize(muteButtonSize, muteButtonSize);
     m_muteButton->setIconSize(QSize(iconSize, iconSize));
     m_muteButton->setFlat(true);
