@@ -16,6 +16,7 @@ extern "C" {
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <filesystem>
 #include <limits>
 #include <string>
@@ -59,6 +60,31 @@ double frameRateOf(const AVStream& stream)
     }
     return usableFrameRate(
         ratio(stream.avg_frame_rate.num != 0 ? stream.avg_frame_rate : stream.r_frame_rate));
+}
+
+// Release 6.1 gave this data another place and has deprecated the old one since, so that no single
+// call does for all.
+const uint8_t* displayMatrixData(const AVStream& stream, size_t& size)
+{
+#if LIBAVCODEC_VERSION_INT >= AV_VERSION_INT(60, 30, 100)
+    const AVPacketSideData* data = av_packet_side_data_get(stream.codecpar->coded_side_data,
+        stream.codecpar->nb_coded_side_data, AV_PKT_DATA_DISPLAYMATRIX);
+    size = data ? data->size : 0;
+    return data ? data->data : nullptr;
+#else
+    return av_stream_get_side_data(&stream, AV_PKT_DATA_DISPLAYMATRIX, &size);
+#endif
+}
+
+PictureTurn turnOfStream(const AVStream& stream)
+{
+    DisplayMatrix matrix{};
+    size_t size = 0;
+    const uint8_t* data = displayMatrixData(stream, size);
+    if (data && size >= sizeof matrix) {
+        std::memcpy(matrix.data(), data, sizeof matrix);
+    }
+    return turnOf(matrix);
 }
 
 // Library releases before 6.0 want to be told so; in later ones every callback must be able to.
@@ -231,6 +257,10 @@ int MediaReader::openVideo(int index, AvPtr<AVCodecContext> codec)
     m_source->isCover = isCover(*stream);
     m_source->width = codec->width;
     m_source->height = codec->height;
+    const AVRational aspect =
+        av_guess_sample_aspect_ratio(m_source->formatContext.get(), stream, nullptr);
+    m_source->turn = turnOfStream(*stream);
+    m_source->pixelAspect = pixelAspectOf(aspect.num, aspect.den);
     m_source->frameRate = frameRateOf(*stream);
     m_source->videoCodec = std::move(codec);
     return 0;

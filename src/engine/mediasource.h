@@ -3,6 +3,7 @@
 #include "audioframebuffer.h"
 #include "avhandles.h"
 #include "packetqueue.h"
+#include "pictureshape.h"
 #include "playbackclock.h"
 #include "seeklanding.h"
 #include "videoframecache.h"
@@ -86,6 +87,8 @@ public:
     bool isCover = false; // the only picture is a cover, on show all the time
     int width = -1; // pixels
     int height = -1; // pixels
+    PictureTurn turn; // what the file asks for: phones store upright films on their side
+    double pixelAspect = 1.0; // width of a stored pixel by its height
     double frameRate = -1.0; // frames per second; 25 where the file names none
     double videoDelay =
         0.0; // seconds; 0, as pictures carry the time of the packet that released them
