@@ -15,6 +15,7 @@ namespace {
 // A frame that starts a hair before its exact time still counts as itself.
 constexpr double numberGuardSeconds = 0.001;
 constexpr int fullTurn = 360;
+constexpr int quarterTurn = 90;
 
 int numberOf(const DecodedVideoFrame& frame, double frameRate)
 {
@@ -24,7 +25,18 @@ int numberOf(const DecodedVideoFrame& frame, double frameRate)
         std::clamp((frame.time + numberGuardSeconds) * frameRate, -limit, limit));
 }
 
+QImage applied(const PictureTurn& turn, const QImage& image)
+{
+    if (turn.quarters == 2) {
+        return image.mirrored(!turn.mirrored, true); // one copy, where turning could need another
+    }
+    const QImage mirrored = turn.mirrored ? image.mirrored(true, false) : image;
+    return turn.quarters == 0
+        ? mirrored
+        : mirrored.transformed(QTransform().rotate(turn.quarters * quarterTurn));
 }
+
+} // namespace
 
 void FramePresenter::setFlip(bool horizontal, bool vertical)
 {
@@ -59,7 +71,7 @@ FramePresenter::Result FramePresenter::show(
     }
     const int number = numberOf(*frame, source.rate());
     if (number != m_lastDisplayedFrame || m_repaintPending) {
-        paint(*frame);
+        paint(source, *frame);
         m_lastDisplayedFrame = number;
         m_repaintPending = false;
     }
@@ -67,16 +79,29 @@ FramePresenter::Result FramePresenter::show(
     return mayChange ? Result::Awaited : Result::Shown;
 }
 
-void FramePresenter::paint(const DecodedVideoFrame& frame)
+PictureTurn FramePresenter::turnFor(const MediaSource& source) const
 {
-    QImage image(frame.data.get(), frame.width, frame.height, QImage::Format_RGB888);
-    if (m_flipHorizontal || m_flipVertical) {
-        image = image.mirrored(m_flipHorizontal, m_flipVertical);
-    }
-    if (m_rotation != 0) {
-        image = image.transformed(QTransform().rotate(m_rotation), Qt::FastTransformation);
+    return source.turn.flipped(m_flipHorizontal, m_flipVertical).turned(m_rotation / quarterTurn);
+}
+
+QSize FramePresenter::shownSize(const MediaSource& source, const QSize& stored) const
+{
+    const QSize shape = shapeOf(stored, source.pixelAspect);
+    return turnFor(source).exchangesSides() ? shape.transposed() : shape;
+}
+
+void FramePresenter::paint(const MediaSource& source, const DecodedVideoFrame& frame)
+{
+    const QImage stored(frame.data.get(), frame.width, frame.height, QImage::Format_RGB888);
+    QImage image = applied(turnFor(source), stored);
+    QSize shape = shownSize(source, stored.size());
+    if (const int slant = m_rotation % quarterTurn; slant != 0) {
+        // On its way to a slant a picture gets square pixels.
+        image = image.scaled(shape).transformed(QTransform().rotate(slant), Qt::FastTransformation);
+        shape = image.size();
     }
     m_viewer->setPixmap(QPixmap::fromImage(image));
+    m_viewer->setShape(shape);
     m_viewer->update();
 }
 

@@ -1,13 +1,17 @@
 #pragma once
 
+#include <QSize>
+
 #include <optional>
 
 class MediaSource;
 class SoftwareViewer;
 struct DecodedVideoFrame;
+struct PictureTurn;
 
-/// Takes the picture for the play head out of the cache, mirrors and turns it, and hands it to the
-/// viewer: once per picture, however often it is asked. GUI thread.
+/// Takes the picture for the play head out of the cache, mirrors and turns it, first as the file
+/// asks, then as the user does, and hands it to the viewer: once per picture, however often it is
+/// asked. GUI thread.
 class FramePresenter {
 public:
     enum class Result {
@@ -32,13 +36,18 @@ public:
     /// The next picture is painted whatever its number.
     void forget();
 
+    /// Size at 100 % of a picture that the source stores in that size: turned as a whole and with
+    /// square pixels (see shapeOf). Of the user's turn the quarters count.
+    [[nodiscard]] QSize shownSize(const MediaSource& source, const QSize& stored) const;
+
     [[nodiscard]] bool flipsHorizontally() const { return m_flipHorizontal; }
     [[nodiscard]] bool flipsVertically() const { return m_flipVertical; }
     [[nodiscard]] int rotation() const { return m_rotation; }
     [[nodiscard]] int lastDisplayedFrame() const { return m_lastDisplayedFrame; }
 
 private:
-    void paint(const DecodedVideoFrame& frame);
+    void paint(const MediaSource& source, const DecodedVideoFrame& frame);
+    [[nodiscard]] PictureTurn turnFor(const MediaSource& source) const;
 
     SoftwareViewer* m_viewer = nullptr; // not owned
     int m_lastDisplayedFrame = -1; // number of the frame last given to the viewer

@@ -356,6 +356,12 @@ int64_t PlaybackManager::durationMs() const
     return static_cast<int64_t>(duration() * msPerSecond);
 }
 
+QSize PlaybackManager::shownVideoSize() const
+{
+    const QSize stored(videoWidth(), videoHeight());
+    return stored.isEmpty() ? QSize() : m_presenter.shownSize(*m_mediaSource, stored);
+}
+
 double PlaybackManager::speedMultiplier() const
 {
     return m_mediaSource ? m_mediaSource->clock.speed.load() : 1.0;

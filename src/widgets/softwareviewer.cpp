@@ -22,6 +22,26 @@ void SoftwareViewer::setPixmap(QPixmap pixmap)
     update();
 }
 
+void SoftwareViewer::setShape(const QSize& shape)
+{
+    if (m_shape != shape) {
+        m_shape = shape;
+        m_scaledKey = 0;
+        update();
+    }
+}
+
+bool SoftwareViewer::isStretched() const
+{
+    return !m_shape.isEmpty() && m_shape != m_pixmap.size();
+}
+
+QPixmap SoftwareViewer::scaledTo(const QSize& size) const
+{
+    return m_pixmap.scaled(size, isStretched() ? Qt::IgnoreAspectRatio : Qt::KeepAspectRatio,
+        Qt::SmoothTransformation);
+}
+
 void SoftwareViewer::paintEvent(QPaintEvent* /*event*/)
 {
     QPainter painter(this);
@@ -46,7 +66,7 @@ void SoftwareViewer::scaleInto(const QSize& deviceSize, qreal devicePixelRatio)
     }
     m_scaledKey = m_pixmap.cacheKey();
     m_scaledFor = deviceSize;
-    const QSize size = m_pixmap.size().scaled(deviceSize, Qt::KeepAspectRatio);
-    m_scaled = m_pixmap.scaled(size, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+    const QSize shape = isStretched() ? m_shape : m_pixmap.size();
+    m_scaled = scaledTo(shape.scaled(deviceSize, Qt::KeepAspectRatio));
     m_scaled.setDevicePixelRatio(devicePixelRatio);
 }

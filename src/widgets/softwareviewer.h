@@ -3,8 +3,8 @@
 #include <QPixmap>
 #include <QWidget>
 
-/// The video view: shows one picture as large as the view allows, in its own proportions, centred
-/// on black.
+/// The video view: shows one picture as large as the view allows, in its proportions, centred on
+/// black.
 class SoftwareViewer : public QWidget {
     Q_OBJECT
 
@@ -19,6 +19,12 @@ public:
     [[nodiscard]] int imageWidth() const { return m_scaled.width(); }
     [[nodiscard]] int imageHeight() const { return m_scaled.height(); }
 
+    /// The picture scaled into that size, stretched to fill it where its pixels are not square.
+    [[nodiscard]] QPixmap scaledTo(const QSize& size) const;
+
+    /// Proportions to show the pictures in, from now on; empty for those of their pixels.
+    void setShape(const QSize& shape);
+
 public Q_SLOTS:
     void setPixmap(QPixmap pixmap);
 
@@ -27,8 +33,10 @@ protected:
 
 private:
     void scaleInto(const QSize& deviceSize, qreal devicePixelRatio);
+    [[nodiscard]] bool isStretched() const;
 
     QPixmap m_pixmap;
+    QSize m_shape; // tells of proportions alone
     QPixmap m_scaled; // m_pixmap in the size of the last paint; scaling costs far more than drawing
     qint64 m_scaledKey = 0; // which picture m_scaled was made from
     QSize m_scaledFor; // and for which room, in device pixels

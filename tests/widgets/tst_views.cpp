@@ -105,6 +105,8 @@ private Q_SLOTS:
         QVERIFY(largerKey != key);
         viewer.setPixmap(redPicture({ 320, 180 }));
         QVERIFY(paintedKey() != largerKey);
+        viewer.setShape({ 320, 90 });
+        QCOMPARE(shown(viewer), imageOf({ 80, 45 }, Qt::black, { 0, 11, 80, 22 }, Qt::red));
     }
 
     void cachedRange_isGreen_data()
