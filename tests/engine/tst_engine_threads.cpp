@@ -6,8 +6,10 @@
 #include "scopedlock.h"
 #include "videomanager.h"
 
+#include <QImage>
 #include <QTest>
 #include <QThread>
+#include <QTransform>
 
 extern "C" {
 #include <libavutil/cpu.h>
@@ -70,8 +72,10 @@ public:
         if (!frame) {
             return 0;
         }
-        const int number = framecode::read(
-            frame->data.get(), frame->width, frame->height, frame->size / frame->height);
+        const QImage stored(frame->data.get(), frame->width, frame->height,
+            frame->size / frame->height, QImage::Format_RGB888);
+        const auto turn = QTransform().rotate(90 * source.turn.quarters);
+        const int number = framecode::read(stored.transformed(turn));
         const long expected = std::lround(std::max(frame->time, 0.0) * source.rate()) + 1;
         if (number != expected) {
             return -1;

@@ -74,7 +74,7 @@ private Q_SLOTS:
             QTest::ignoreMessage(QtDebugMsg, QRegularExpression("WARNING.*zzz1"));
         }
         QCOMPARE(reader.open(), 0);
-        QCOMPARE(source.videoWidth(), width);
+        QCOMPARE(source.turn.exchangesSides() ? source.videoHeight() : source.videoWidth(), width);
         QCOMPARE(source.videoCodec != nullptr, width > 0);
         QCOMPARE(source.audioCodec != nullptr, hasAudio);
         QVERIFY2(std::abs(source.duration() - seconds) < 0.55,

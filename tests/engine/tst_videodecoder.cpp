@@ -6,7 +6,9 @@
 #include "videodecoder.h"
 #include "videomanager.h"
 
+#include <QImage>
 #include <QTest>
+#include <QTransform>
 
 extern "C" {
 #include <libavcodec/avcodec.h>
@@ -86,9 +88,10 @@ struct Video {
         if (!frame) {
             return { -1, -1.0 };
         }
-        const int stride = frame->size / frame->height;
-        return { framecode::read(frame->data.get(), frame->width, frame->height, stride),
-            frame->time };
+        const QImage stored(frame->data.get(), frame->width, frame->height,
+            frame->size / frame->height, QImage::Format_RGB888);
+        const auto turn = QTransform().rotate(90 * source.turn.quarters);
+        return { framecode::read(stored.transformed(turn)), frame->time };
     }
 
     MediaSource source;

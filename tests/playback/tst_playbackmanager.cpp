@@ -34,6 +34,8 @@ private Q_SLOTS:
     void newNameWhileLoading_winsAndTheOldOneStaysSilent();
     void loopFromInsideTheEnd_isNotUndone();
     void rotationAndFlip_turnThePicture();
+    void pictures_areShownUprightAndInShape_data();
+    void pictures_areShownUprightAndInShape();
     void cacheSizeChange_keepsThePosition();
     void valuesAreStoredAsTold();
     void aManagerThatLeavesEarly_data();
@@ -348,6 +350,38 @@ void TestPlaybackManager::rotationAndFlip_turnThePicture()
     QCOMPARE(rig.settledOn(50), 50);
 }
 
+void TestPlaybackManager::pictures_areShownUprightAndInShape_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<bool>("flip"); // horizontally, before the rotation
+    QTest::addColumn<int>("rotation");
+    QTest::addColumn<QSize>("shown");
+    QTest::newRow("stored on its side") << "turned.mp4" << false << 0 << QSize(200, 320);
+    QTest::newRow("turned on") << "turned.mp4" << false << 90 << QSize(320, 200);
+    QTest::newRow("flipped and turned back") << "turned.mp4" << true << 270 << QSize(320, 200);
+    QTest::newRow("upside down") << "turned.mp4" << true << 180 << QSize(200, 320);
+    QTest::newRow("wide pixels") << "anamorphic.mp4" << true << 0 << QSize(320, 180);
+    QTest::newRow("wide pixels, turned") << "anamorphic.mp4" << false << -90 << QSize(180, 320);
+}
+
+void TestPlaybackManager::pictures_areShownUprightAndInShape()
+{
+    QFETCH(const QString, name);
+    QFETCH(const bool, flip);
+    QFETCH(const int, rotation);
+    QFETCH(const QSize, shown);
+    PlaybackRig rig;
+    QVERIFY(rig.open(clip(name).path));
+    rig.manager.setFlip(flip, false);
+    rig.manager.setRotation(rotation);
+    QCOMPARE(rig.manager.shownVideoSize(), shown);
+    rig.viewer.resize(shown * 2);
+    const QImage view = rig.viewer.grab().toImage().transformed(QTransform().rotate(-rotation));
+    QCOMPARE(QSize(rig.viewer.imageWidth(), rig.viewer.imageHeight()), shown * 2);
+    const QImage painted = view.mirrored(flip, false).scaled(clip(name).width, clip(name).height);
+    QCOMPARE(framecode::read(painted), 1);
+}
+
 void TestPlaybackManager::cacheSizeChange_keepsThePosition()
 {
     PlaybackRig rig;
@@ -365,6 +399,7 @@ void TestPlaybackManager::valuesAreStoredAsTold()
     PlaybackRig rig;
     QCOMPARE(rig.manager.playbackTime(), 0.0);
     QCOMPARE(rig.manager.videoWidth(), -1);
+    QVERIFY(rig.manager.shownVideoSize().isEmpty());
     QCOMPARE(rig.manager.speedMultiplier(), 1.0);
     rig.manager.setVolume(-5);
     QCOMPARE(rig.manager.volume(), 0);

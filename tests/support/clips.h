@@ -8,7 +8,7 @@
 struct Clip {
     QString name; // file name, for example "mpeg4.avi"
     QString path; // absolute
-    int width; // pixels; 0 without video
+    int width; // pixels, upright; 0 without video
     int height;
     int frameCount; // 0 without video
     double rate; // frames per second
