@@ -1,0 +1,293 @@
+#include "drivenplayer.h"
+
+#include "framecode.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QGuiApplication>
+#include <QPixmap>
+#include <QScreen>
+#include <QSettings>
+#include <QThread>
+
+#include <X11/Xutil.h>
+#include <X11/extensions/XTest.h>
+#include <csignal>
+#include <functional>
+
+namespace {
+
+constexpr int limitMs = 20000; // for anything; an instrumented build is slow
+constexpr int restMs = 300; // far longer than a frame stays while a clip plays
+constexpr int repeatRate = 30; // presses a second of a key held down
+constexpr QRgb markerColour = qRgb(200, 200, 200);
+// Heights of the window's parts in pixels; the video is between the two timelines.
+constexpr int rangeTimelineHeight = 46;
+constexpr int timelineHeight = 40;
+constexpr int buttonsHeight = 42;
+
+bool await(const std::function<bool()>& condition)
+{
+    QElapsedTimer timer;
+    timer.start();
+    while (!condition()) {
+        if (timer.hasExpired(limitMs)) {
+            return false;
+        }
+        QThread::msleep(1);
+    }
+    return true;
+}
+
+Display* display() // connected to the end; without anybody the display would start anew
+{
+    static Display* const connection = [] {
+        XSetErrorHandler([](Display*, XErrorEvent*) { return 0; }); // a window may have gone
+        return XOpenDisplay(nullptr);
+    }();
+    return connection;
+}
+
+QString titleOf(Window window)
+{
+    XTextProperty text{};
+    XGetTextProperty(display(), window, &text, XInternAtom(display(), "_NET_WM_NAME", False));
+    QString title = QString::fromUtf8(reinterpret_cast<const char*>(text.value));
+    XFree(text.value);
+    return title;
+}
+
+QImage pictureOf(Window window)
+{
+    return window == 0 ? QImage() : QGuiApplication::primaryScreen()->grabWindow(window).toImage();
+}
+
+void closeWindow(Window window)
+{
+    const Atom message = XInternAtom(display(), "WM_PROTOCOLS", False);
+    XEvent event{};
+    event.xclient = { ClientMessage, 0, True, display(), window, message, 32, {} };
+    event.xclient.data.l[0] = static_cast<long>(XInternAtom(display(), "WM_DELETE_WINDOW", False));
+    XSendEvent(display(), window, False, NoEventMask, &event);
+    XFlush(display());
+}
+
+/// A timeline's frames along its track.
+struct Track {
+    int margin; // pixels at both sides
+    int width;
+    int first;
+    int last;
+
+    Track(bool ofRange, const Scene& scene, int windowWidth)
+        : margin(ofRange ? 50 : 100)
+        , width(windowWidth - 2 * margin)
+        , first(ofRange ? scene.first : 1)
+        , last(ofRange ? scene.last : scene.clip.frameCount)
+    {
+    }
+    [[nodiscard]] int x(int frame) const
+    {
+        return margin + (first == last ? 0 : (frame - first) * width / (last - first));
+    }
+    /// The frame whose place has the marker, two pixels wide, in a row of the picture.
+    [[nodiscard]] int marked(const QImage& picture, int row) const
+    {
+        QVector<int> pixels;
+        for (int x = 0; x < picture.width(); ++x) {
+            if (picture.pixel(x, row) == markerColour) {
+                pixels.append(x);
+            }
+        }
+        int frame = last;
+        while (frame >= first && pixels != QVector<int>{ x(frame), x(frame) + 1 }) {
+            --frame;
+        }
+        return frame >= first ? frame : -1;
+    }
+};
+
+int frameInView(const QImage& view, const Clip& clip)
+{
+    QRect shown({}, QSize(clip.width, clip.height).scaled(view.size(), Qt::KeepAspectRatio));
+    shown.moveTo((view.width() - shown.width()) / 2, (view.height() - shown.height()) / 2);
+    return framecode::read(view.copy(shown), double(shown.width()) / clip.width);
+}
+
+QString worded(const QString& title, int picture, int timeline, int rangeTimeline)
+{
+    return QString("%1 | picture %2 | timeline %3 | range timeline %4")
+        .arg(title, QString::number(picture), QString::number(timeline),
+            QString::number(rangeTimeline));
+}
+
+} // namespace
+
+QStringList Scene::arguments() const
+{
+    return { clip.path, QString::number(first), QString::number(last) };
+}
+
+QString Scene::sightOf(int frame) const
+{
+    const QString title = QString("%1 -- Frame %2").arg(clip.name).arg(frame);
+    return worded(title, frame, frame, frame >= first && frame <= last ? frame : -1);
+}
+
+DrivenPlayer::DrivenPlayer(const QVariantMap& settings)
+{
+    QSettings file(m_settingsPath, QSettings::IniFormat);
+    file.setValue("main/showRangeTimeline", true);
+    file.setValue("main/showMenuBar", false);
+    file.setValue("preferences/resizeToFit", false);
+    for (auto setting = settings.begin(); setting != settings.end(); ++setting) {
+        file.setValue(setting.key(), setting.value());
+    }
+    QDir(m_folder.path()).mkdir("tmp");
+    auto environment = QProcessEnvironment::systemEnvironment();
+    environment.insert("HOME", m_folder.path());
+    environment.insert("TMPDIR", m_folder.filePath("tmp"));
+    m_process.setProcessEnvironment(environment);
+    m_process.setProcessChannelMode(QProcess::ForwardedChannels);
+}
+
+DrivenPlayer::~DrivenPlayer()
+{
+    m_process.terminate(); // in order, so that it leaves no shared memory
+    if (!m_process.waitForFinished(limitMs)) {
+        m_process.kill();
+        m_process.waitForFinished();
+    }
+}
+
+Clip DrivenPlayer::linked(const Clip& clip, const QString& name) const
+{
+    Clip second = clip;
+    second.name = name;
+    second.path = m_folder.filePath(name);
+    QFile::link(clip.path, second.path);
+    return second;
+}
+
+bool DrivenPlayer::start(const QStringList& arguments)
+{
+    m_process.waitForFinished(); // one that was killed
+    m_process.start(VANTOR_PROGRAM, arguments);
+    const bool came = m_process.waitForStarted()
+        && await([this] { return (m_window = window("^Vantor$| -- Frame ")) != 0; });
+    XSetInputFocus(display(), m_window, RevertToParent, CurrentTime);
+    return came;
+}
+
+unsigned long DrivenPlayer::window(const char* titles) const
+{
+    QProcess search;
+    search.start("xdotool",
+        { "search", "--onlyvisible", "--all", "--pid", QString::number(m_process.processId()),
+            "--name", titles });
+    search.waitForFinished();
+    return search.readAllStandardOutput().trimmed().toULong();
+}
+
+int DrivenPlayer::launchAgain(const QStringList& arguments) const
+{
+    QProcess process;
+    process.setProcessEnvironment(m_process.processEnvironment());
+    process.setProcessChannelMode(QProcess::ForwardedChannels);
+    process.setWorkingDirectory(m_folder.path());
+    process.start(VANTOR_PROGRAM, arguments);
+    return process.waitForFinished(limitMs) ? process.exitCode() : -1;
+}
+
+void DrivenPlayer::send(int signal)
+{
+    ::kill(static_cast<pid_t>(m_process.processId()), signal);
+}
+
+bool DrivenPlayer::close()
+{
+    closeWindow(m_window);
+    return m_process.waitForFinished(limitMs) && m_process.exitStatus() == QProcess::NormalExit
+        && m_process.exitCode() == 0;
+}
+
+QVariant DrivenPlayer::setting(const QString& key) const
+{
+    return QSettings(m_settingsPath, QSettings::IniFormat).value(key);
+}
+
+int DrivenPlayer::frame() const
+{
+    const QString title = titleOf(m_window);
+    return title.contains(" -- Frame ") ? title.section(' ', -1).toInt() : -1;
+}
+
+int DrivenPlayer::awaitRest() const
+{
+    int last = 0;
+    QElapsedTimer still;
+    await([&] {
+        if (const int now = frame(); now != last) {
+            last = now;
+            still.start();
+        }
+        return still.hasExpired(restMs);
+    });
+    return last;
+}
+
+QString DrivenPlayer::sight(const Scene& scene) const
+{
+    XRaiseWindow(display(), m_window); // the console may lie on it
+    const QString title = titleOf(m_window);
+    const QImage all = pictureOf(m_window);
+    const int bottom = all.height() - buttonsHeight - timelineHeight;
+    const QImage view = all.copy(0, rangeTimelineHeight, all.width(), bottom - rangeTimelineHeight);
+    return worded(title, frameInView(view, scene.clip),
+        Track(false, scene, all.width()).marked(all, bottom + 25),
+        Track(true, scene, all.width()).marked(all, 20));
+}
+
+QString DrivenPlayer::awaitSight(const Scene& scene, int frame) const
+{
+    QString seen;
+    await([&] { return (seen = sight(scene)) == scene.sightOf(frame); });
+    return seen;
+}
+
+QImage DrivenPlayer::console() const
+{
+    return pictureOf(window("^Console$"));
+}
+
+void DrivenPlayer::hold(const QString& key, int times)
+{
+    const unsigned code = XKeysymToKeycode(display(), XStringToKeysym(qPrintable(key)));
+    QElapsedTimer timer;
+    timer.start();
+    for (int i = 0; i < times; ++i) {
+        await([&] { return timer.elapsed() >= i * 1000 / repeatRate; });
+        XTestFakeKeyEvent(display(), code, True, CurrentTime);
+        XTestFakeKeyEvent(display(), code, False, CurrentTime);
+        XFlush(display());
+    }
+}
+
+void DrivenPlayer::point(bool rangeTimeline, const Scene& scene, int frame, bool above)
+{
+    const QSize size = pictureOf(m_window).size();
+    const int bottom = size.height() - buttonsHeight - timelineHeight;
+    const int y = (rangeTimeline ? 0 : bottom) + (above ? 5 : 30);
+    QPoint place;
+    Window child = 0;
+    XTranslateCoordinates(display(), m_window, DefaultRootWindow(display()),
+        Track(rangeTimeline, scene, size.width()).x(frame), y, &place.rx(), &place.ry(), &child);
+    XTestFakeMotionEvent(display(), -1, place.x(), place.y(), CurrentTime);
+    XFlush(display());
+}
+
+void DrivenPlayer::holdButton(bool down)
+{
+    XTestFakeButtonEvent(display(), 1, down ? True : False, CurrentTime);
+    XFlush(display());
+}
