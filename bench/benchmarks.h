@@ -9,3 +9,4 @@ std::string clipPath(const std::string& name);
 void registerDecoding();
 void registerInteraction();
 void registerIdling();
+void registerHeldKey();

@@ -16,6 +16,7 @@ int main(int argc, char* argv[])
     registerDecoding();
     registerInteraction();
     registerIdling();
+    registerHeldKey();
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
         return 2;
