@@ -15,7 +15,8 @@ using Kind = RemoteCommand::Kind;
 
 constexpr int turnMs = 5; // of lines, before the window has its turn
 constexpr int pauseMs = 1; // between two turns
-constexpr size_t mostRests = 16; // of clients that are no longer served, 64 KiB each at most
+constexpr qint64 unreadBytes = 16384; // held for each connection; more stays with its sender
+constexpr size_t mostRests = 64; // of clients that are no longer served
 
 } // namespace
 
@@ -52,7 +53,7 @@ void TcpServer::createConnection()
         m_client.socket->waitForReadyRead(0);
     }
     setAside();
-    socket->setReadBufferSize(LineReader::bufferSize);
+    socket->setReadBufferSize(unreadBytes);
     m_client.socket = socket;
     if (socket->state() == QAbstractSocket::ConnectedState) {
         connect(socket, &QTcpSocket::disconnected, this, &TcpServer::breakConnection);
@@ -80,17 +81,19 @@ void TcpServer::readData()
 }
 
 // Nobody is served then. What the client has sent is still to be done, a bufferful at most; only
-// where such rests pile up they are left, as many clients shall not cost much more than one.
+// where such rests pile up they are left, as many clients shall not cost without bounds.
 void TcpServer::setAside()
 {
-    if (m_client.socket && m_client.socket->canReadLine() && m_earlier.size() < mostRests) {
-        m_client.rest = std::make_unique<QBuffer>();
-        m_client.rest->setData(m_client.socket->readAll());
-        m_client.rest->open(QIODevice::ReadOnly);
-        m_earlier.push_back(std::move(m_client));
-        m_nextTurn.start();
+    Client client = std::exchange(m_client, {});
+    if (!client.socket || m_earlier.size() >= mostRests
+        || client.socket->bytesAvailable() + client.reader.pendingBytes() == 0) {
+        return;
     }
-    m_client = {};
+    client.rest = std::make_unique<QBuffer>();
+    client.rest->setData(client.socket->readAll());
+    client.rest->open(QIODevice::ReadOnly);
+    m_earlier.push_back(std::move(client));
+    m_nextTurn.start();
 }
 
 void TcpServer::runLines()
