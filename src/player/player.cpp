@@ -226,8 +226,7 @@ void Player::onLoaded()
     m_rangeTimeline->setVisible(settings().showRangeTimeline);
     if (settings().resizeToFit) {
         layout()->activate(); // the view's size now that the timelines are there
-        windowplacement::fitToVideo(
-            *this, m_viewer->size(), { m_manager->videoWidth(), m_manager->videoHeight() });
+        windowplacement::fitToVideo(*this, m_viewer->size(), m_manager->shownVideoSize());
     }
     m_statsTimer.start();
 }

@@ -51,7 +51,7 @@ void Player::updateStats()
     figures.frameRate = m_manager->frameRate();
     figures.currentTime = m_manager->playbackTime();
     figures.duration = m_manager->duration();
-    figures.videoSize = { m_manager->videoWidth(), m_manager->videoHeight() };
+    figures.videoSize = m_manager->shownVideoSize();
     figures.shownSize = { m_viewer->imageWidth(), m_viewer->imageHeight() };
     figures.videoCacheBytes = m_manager->videoCacheBytes();
     figures.cachedFrames = m_manager->cachedFrameCount();

@@ -79,8 +79,7 @@ void Player::takeSnapshot()
 {
     const QSize size(m_viewer->imageWidth(), m_viewer->imageHeight());
     if (!isStopped() && !size.isEmpty()) {
-        QGuiApplication::clipboard()->setPixmap(
-            m_viewer->pixmap().scaled(size, Qt::KeepAspectRatio, Qt::SmoothTransformation));
+        QGuiApplication::clipboard()->setPixmap(m_viewer->scaledTo(size));
     }
 }
 
