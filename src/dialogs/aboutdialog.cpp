@@ -14,7 +14,8 @@ namespace {
 
 constexpr int iconSize = 64; // pixels
 constexpr int margin = 14;
-constexpr int gap = 16; // between icon and texts
+constexpr int gap = 16; // between icon, texts and button
+constexpr int rowGap = 6;
 
 } // namespace
 
@@ -30,6 +31,7 @@ AboutDialog::AboutDialog(
     auto* title = new QLabel(titleText(), this);
     title->setObjectName(QStringLiteral("title"));
     auto* versions = new QFormLayout;
+    versions->setVerticalSpacing(rowGap);
     for (const auto& [name, version] : { std::pair(tr("Qt:"), QString::fromLatin1(qVersion())),
              std::pair(tr("FFmpeg:"), ffmpegVersion),
              std::pair(tr("PortAudio:"), portAudioVersion) }) {
@@ -49,6 +51,7 @@ AboutDialog::AboutDialog(
     top->addLayout(texts, 1);
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(margin, margin, margin, margin);
+    column->setSpacing(gap);
     column->setSizeConstraint(QLayout::SetFixedSize);
     column->addLayout(top);
     column->addWidget(buttons);

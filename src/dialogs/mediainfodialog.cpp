@@ -4,6 +4,15 @@
 #include "ui_mediainfodialog.h"
 
 #include <QFileInfo>
+#include <QScreen>
+
+#include <algorithm>
+
+namespace {
+
+constexpr int characters = 60; // of a path that fit into a line
+
+} // namespace
 
 MediaInfoDialog::MediaInfoDialog(QWidget* parent)
     : QDialog(parent)
@@ -45,6 +54,9 @@ void MediaInfoDialog::setSource(const QString& path)
     const QString name = QFileInfo(path).fileName();
     m_form->filename->setText(QStringLiteral("<b>%1</b>").arg(name.toHtmlEscaped()));
     m_form->source->setText(path);
+    m_form->source->setToolTip(path);
+    layout()->activate(); // else it knows nothing of the new text yet
+    fitSize();
 }
 
 void MediaInfoDialog::setFrameRange(const QString& text)
@@ -90,4 +102,20 @@ void MediaInfoDialog::setAudioCache(const QString& text)
 void MediaInfoDialog::setCachedRange(const QString& text)
 {
     m_form->cachedRange->setText(text);
+}
+
+void MediaInfoDialog::resizeEvent(QResizeEvent* event)
+{
+    QDialog::resizeEvent(event);
+    fitSize();
+}
+
+// A long path takes more lines than the layout asks for by itself, and a long name without spaces
+// more width, of which there is no more than the screen has.
+void MediaInfoDialog::fitSize()
+{
+    const int wanted = std::max(
+        characters * fontMetrics().averageCharWidth(), layout()->totalMinimumSize().width());
+    setMinimumWidth(std::min(wanted, screen()->availableGeometry().width()));
+    setMinimumHeight(layout()->totalHeightForWidth(width()));
 }

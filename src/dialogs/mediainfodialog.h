@@ -32,6 +32,11 @@ public:
     void setAudioCache(const QString& text);
     void setCachedRange(const QString& text);
 
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+
 private:
+    void fitSize();
+
     const std::unique_ptr<Ui::MediaInfoDialog> m_form;
 };

@@ -5,11 +5,26 @@
 
 #include <QMessageBox>
 
+#include <algorithm>
+#include <initializer_list>
+
 namespace {
 
 constexpr int leastCacheMb = 256;
 constexpr int mostCacheMb = 4096; // the form would allow more
 constexpr int mostRecentFiles = 10;
+
+// Gives all the widest one's width, so that columns run through several group boxes.
+void alignWidths(std::initializer_list<QWidget*> column)
+{
+    int widest = 0;
+    for (const QWidget* widget : column) {
+        widest = std::max(widest, widget->sizeHint().width());
+    }
+    for (QWidget* widget : column) {
+        widget->setMinimumWidth(widest);
+    }
+}
 
 } // namespace
 
@@ -23,6 +38,10 @@ PreferencesDialog::PreferencesDialog(QWidget* parent)
     connect(m_form->openMediaInNewPlayers, &QCheckBox::clicked, this,
         &PreferencesDialog::openInNewPlayersWarning);
     loadSettings();
+    alignWidths({ m_form->cacheSizeLabel, m_form->trailingCacheLabel, m_form->recentFilesLabel,
+        m_form->recentBookmarkFilesLabel });
+    alignWidths({ m_form->cacheSize, m_form->trailingCache, m_form->recentFiles,
+        m_form->recentBookmarkFiles });
 }
 
 PreferencesDialog::~PreferencesDialog() = default;

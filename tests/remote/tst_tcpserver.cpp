@@ -1,0 +1,140 @@
+#include "settings.h"
+#include "tcpserver.h"
+
+#include <QtTest>
+
+class TestTcpServer : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        settings().tcpPort = 0; // any that is free
+        m_heard.clear();
+        m_server = std::make_unique<TcpServer>();
+        QVERIFY(m_server->listen() && !m_server->listen());
+        const auto hear = [this](const char* word) {
+            return [this, word](const auto&... values) {
+                m_heard << (QStringList(word) << ... << QVariant(values).toString()).join(' ');
+            };
+        };
+        connect(m_server.get(), &TcpServer::fileChanged, hear("file"));
+        connect(m_server.get(), &TcpServer::bookmarksFileChanged, hear("bookmarks"));
+        connect(m_server.get(), &TcpServer::frameChanged, hear("f"));
+        connect(m_server.get(), &TcpServer::frameChangedRelative, hear("r"));
+        connect(m_server.get(), &TcpServer::rangeStartChanged, hear("s"));
+        connect(m_server.get(), &TcpServer::rangeEndChanged, hear("e"));
+    }
+
+    void lines_areDoneInOrderUntilExit()
+    {
+        const auto client = connected();
+        client->write("file \"/a b\" 1 2\nfile c.bmk\nframe 1\nframeRelative -2\n\nrstart 3\nren");
+        QTRY_COMPARE(m_heard.size(), 5);
+        client->write("d 4\r\nexit\nframe 5\n");
+        QTRY_COMPARE(client->state(), QAbstractSocket::UnconnectedState);
+        QCOMPARE(m_heard.join(','), "file /a b 1 2,bookmarks c.bmk -1 -1,f 1,r -2,s 3,e 4");
+        QCOMPARE(client->bytesAvailable(), 0); // nothing is answered
+        QTRY_VERIFY(!served());
+    }
+
+    void longLine_isDroppedWithoutBeingHeld()
+    {
+        const auto client = connected();
+        const QByteArray most = "frame 1" + QByteArray(LineReader::maxLine - 7, ' ') + '\n';
+        client->write(most + "frame 2 " + most + "frame 3\n");
+        QTRY_COMPARE(m_heard.join(','), "f 1,f 3");
+        QByteArray endless(10'000'000, 'x');
+        QBuffer device(&endless);
+        QVERIFY(device.open(QIODevice::ReadOnly));
+        LineReader reader;
+        QVERIFY(!reader.next(device)->whole && !reader.next(device));
+        QCOMPARE(device.bytesAvailable() + reader.pendingBytes(), 0);
+    }
+
+    void newClient_takesOver()
+    {
+        const auto first = connected();
+        QPointer<QTcpSocket> firstServed = served();
+        const auto second = connected();
+        first->write("frame 1\n" + QByteArray(1'000'000, 'x'));
+        second->write("frame 2\n");
+        QTRY_COMPARE(m_heard.join(','), "f 2");
+        QTRY_COMPARE(firstServed->bytesAvailable(), 16384);
+        second->disconnectFromHost();
+        QTRY_COMPARE(served(), firstServed); // of two the right one is released
+        m_server->readData(); // there is none to read from
+        const auto third = connected();
+        third->write("frame 3\n");
+        QTRY_COMPARE(m_heard.join(','), "f 2,f 3");
+    }
+
+    // Scripts connect anew for every line, and go. The window was busy meanwhile.
+    void shortConnections_loseNothing()
+    {
+        QStringList expected;
+        for (int i = 0; i < 20; ++i) {
+            QTcpSocket client;
+            client.connectToHost(QHostAddress::LocalHost, m_server->port());
+            client.write(QString("frame %1\nframeRelative %1\n").arg(i).toUtf8());
+            client.disconnectFromHost();
+            QVERIFY(client.state() == client.UnconnectedState || client.waitForDisconnected());
+            expected << QString("f %1").arg(i) << QString("r %1").arg(i);
+        }
+        QTRY_COMPARE(m_heard, expected);
+    }
+
+    void webPage_isShutOut()
+    {
+        for (const QByteArray& request : { QByteArray("GET /\r\n"), QByteArray("\026\003\001\n"),
+                 QByteArray("frame /5 HTTP/1.1\r\n"), "file /" + QByteArray(200'000, 'a') }) {
+            const auto client = connected();
+            client->write(request + "\r\n\r\nframe 1\nexit\n");
+            QTRY_COMPARE(client->state(), QAbstractSocket::UnconnectedState);
+        }
+        QVERIFY(m_heard.isEmpty());
+        QVERIFY(!isBrowserRequest("file \"/GET / HTTP/1.1\"\n", true));
+    }
+
+    void flood_leavesTheEventLoopAlive()
+    {
+        int turns = 0; // of the event loop
+        QTimer window;
+        connect(&window, &QTimer::timeout, [&turns] { ++turns; });
+        window.start(1);
+        connect(m_server.get(), &TcpServer::frameChangedRelative, [] { QThread::msleep(2); });
+        QSignalSpy end(m_server.get(), &TcpServer::frameChanged);
+        const auto client = connected();
+        client->write(QByteArray("frameRelative 7\n").repeated(200) + "frame 8\n"
+            + QByteArray("x\n").repeated(500'000) + "frame 9\n");
+        client->disconnectFromHost();
+        QVERIFY(end.wait(60'000));
+        QVERIFY2(turns > 30, qPrintable(QString::number(turns)));
+        QVERIFY(end.wait(60'000));
+        QCOMPARE(m_heard.size(), 202);
+    }
+
+private:
+    // Only when the server has it, too.
+    std::unique_ptr<QTcpSocket> connected()
+    {
+        auto client = std::make_unique<QTcpSocket>();
+        const QTcpSocket* const before = served();
+        client->connectToHost(QHostAddress::LocalHost, m_server->port());
+        [&] { QTRY_VERIFY(served() && served() != before); }();
+        return client;
+    }
+
+    // The newest connection at the server's end.
+    QTcpSocket* served()
+    {
+        const auto sockets = m_server->findChildren<QTcpSocket*>();
+        return sockets.isEmpty() ? nullptr : sockets.last();
+    }
+
+    std::unique_ptr<TcpServer> m_server;
+    QStringList m_heard;
+};
+
+QTEST_GUILESS_MAIN(TestTcpServer)
+#include "tst_tcpserver.moc"
