@@ -115,7 +115,8 @@ void PlaybackManager::play(double duration)
     m_mediaSource->playUntil = duration > 0.0 && time >= duration ? time : MediaSource::noPlayLimit;
     m_mediaSource->scrubRequested = false;
     m_mediaSource->scrubSampleCount = 0;
-    m_mediaSource->playing = true;
+    m_awaitingPicture = isPictureAwaited();
+    m_mediaSource->playing = !m_awaitingPicture;
     m_pictureTimer.stop();
     m_playbackTimer.start();
     setState(Playing);
@@ -179,9 +180,30 @@ void PlaybackManager::updatePlaybackTime()
 {
     if (m_mediaSource && m_seekRunning) {
         Q_EMIT playbackTimeChanged(playbackTime());
-    } else if (m_mediaSource) {
+    } else if (m_mediaSource && !isHeld()) {
         advancePlayHead(false);
     }
+}
+
+// While playing, until the picture at the target of the last seek is there: the clock, the sound
+// and whoever shows the time wait for it at the target.
+bool PlaybackManager::isHeld()
+{
+    if (m_state != Playing || !m_awaitingPicture) {
+        return false;
+    }
+    m_awaitingPicture = isPictureAwaited();
+    if (!m_awaitingPicture) {
+        rebaseClock();
+        m_mediaSource->playing = true;
+    }
+    return m_awaitingPicture;
+}
+
+bool PlaybackManager::isPictureAwaited()
+{
+    return m_presenter.show(*m_mediaSource, false, m_positionedAt)
+        == FramePresenter::Result::Awaited;
 }
 
 // After every emission: whoever heard it may have moved the play head or let go of the file.

@@ -187,6 +187,8 @@ private:
     void issueSeek(double time);
     void endSeek();
     void advancePlayHead(bool pastEndHandled);
+    bool isHeld();
+    bool isPictureAwaited();
     void rebaseClock();
     void requestAudioSlice();
     void applyVolume();
@@ -213,6 +215,7 @@ private:
     QString m_pendingFilename; // opened once the current file is unloaded
     double m_audioScrubDuration = 0.0; // seconds
     double m_positionedAt = 0.0; // seconds; newest target of a positioning
+    bool m_awaitingPicture = false; // playing begins with the picture at m_positionedAt
     int m_volume = 100; // percent
     Unload m_unload;
     // Grows with every positioning, stop and new file: what goes on after an emission checks that

@@ -76,6 +76,7 @@ void CommandMenus::addCommand(const Command& command)
         action->setShortcutContext(Qt::WidgetShortcut);
     }
     action->setCheckable(command.kind != Command::Kind::Plain);
+    action->setAutoRepeat(!action->isCheckable());
     const bool checked = command.setting && settings().*command.setting;
     if (!command.applied) {
         action->setChecked(checked);

@@ -213,6 +213,11 @@ void Player::onStatusChange(PlaybackManager::Status status)
 
 void Player::onLoaded()
 {
+    // A file asked for last and refused leaves this one, whose bookmarks are not that file's.
+    const QString path = m_manager->mediaFilename();
+    if (QFileInfo(m_bookmarks.mediaPath).fileName() != QFileInfo(path).fileName()) {
+        m_bookmarks.mediaPath = path;
+    }
     showTitle(1);
     m_transport->onLoaded();
     for (TimelineWidget* timeline : { m_timeline, static_cast<TimelineWidget*>(m_rangeTimeline) }) {
@@ -247,9 +252,13 @@ void Player::reportError(const QString& text)
 
 void Player::showTitle(int frame)
 {
-    setWindowTitle(frame < 0
-            ? QStringLiteral("Vantor")
-            : QFileInfo(m_manager->mediaFilename()).fileName() + tr(" -- Frame %1").arg(frame));
+    if (frame < 0) {
+        setWindowTitle(QStringLiteral("Vantor"));
+        return;
+    }
+    QString file = QFileInfo(m_manager->mediaFilename()).fileName();
+    file.replace(QLatin1String("[*]"), QLatin1String("[*][*]")); // else a sign for unsaved changes
+    setWindowTitle(file + tr(" -- Frame %1").arg(frame));
 }
 
 void Player::showCachedRange()
@@ -260,6 +269,14 @@ void Player::showCachedRange()
     m_rangeTimeline->setCachedRange(start, end);
 }
 
+// A window out of sight does not know its frame any more.
+void Player::rememberGeometry()
+{
+    if (isVisible()) {
+        settings().windowGeometry = saveGeometry();
+    }
+}
+
 bool Player::isStopped() const
 {
     return m_manager->state() == PlaybackManager::Stopped;
@@ -267,6 +284,9 @@ bool Player::isStopped() const
 
 void Player::closeEvent(QCloseEvent* event)
 {
+    if (!m_console) {
+        return; // closed already
+    }
     if (!isStopped() && m_manager->status() != PlaybackManager::NoMedia) {
         m_closePending = true;
         m_manager->stop();
@@ -275,13 +295,13 @@ void Player::closeEvent(QCloseEvent* event)
     }
     m_closePending = true; // nothing is opened from now on
     m_manager->stop(); // nor what is loading, or was to be opened next
-    if (m_console) {
-        m_console->close();
-        settings().consoleGeometry = m_console->savedGeometry();
-        settings().displayConsoleOnType = m_console->showOnLevel();
-        m_console.reset();
+    if (m_console->isVisible()) {
+        m_console->close(); // which saves its geometry
     }
-    settings().windowGeometry = saveGeometry();
+    settings().consoleGeometry = m_console->savedGeometry();
+    settings().displayConsoleOnType = m_console->showOnLevel();
+    m_console.reset();
+    rememberGeometry();
     saveSettings();
     event->accept();
     Q_EMIT closed();

@@ -207,6 +207,7 @@ private:
     void reportError(const QString& text);
     void showTitle(int frame);
     void showCachedRange();
+    void rememberGeometry();
     void finishCopy(MediaCopy& copy);
     void resizeVideo(float scale);
     void setCommandChecked(const char* id, bool checked);

@@ -45,6 +45,7 @@ void Player::stop()
     if (m_console) {
         m_console->hide();
     }
+    rememberGeometry();
     hide();
 }
 

@@ -154,8 +154,13 @@ void Player::saveBookmarksFile()
 
 void Player::saveBookmarksFileAs()
 {
-    const QString file = isStopped() ? QString() : filechoosers::bookmarksDestination(this);
-    if (!file.isEmpty()) {
+    if (isStopped()) {
+        return;
+    }
+    const QString media = m_manager->mediaFilename();
+    const QString file = filechoosers::bookmarksDestination(this);
+    // A later launch or the remote control may have opened another media meanwhile.
+    if (!file.isEmpty() && m_manager->mediaFilename() == media) {
         m_bookmarksFile = file;
         saveBookmarksFile();
     }

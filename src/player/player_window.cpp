@@ -19,6 +19,7 @@
 #include <QDropEvent>
 #include <QFileInfo>
 #include <QLayout>
+#include <QMenuBar>
 #include <QMimeData>
 #include <QMouseEvent>
 #include <QScreen>
@@ -161,6 +162,7 @@ void Player::setBottomToolbarVisible(bool vis)
 void Player::setMenuBarVisible(bool vis)
 {
     m_menus->setBarVisible(vis);
+    setMinimumWidth(vis ? m_menus->bar().sizeHint().width() : 0); // every menu is in sight
     settings().showMenuBar = vis;
 }
 

@@ -60,6 +60,7 @@ void Transport::goTo(int frame, FrameRequest request)
         return;
     }
     Q_EMIT frameRequested(target);
+    m_lastShownFrame = noFrame; // where the request fails, the frame that stays is told again
     if (m_manager.state() == PlaybackManager::Playing && keepPlaying) {
         if (QGuiApplication::mouseButtons() == Qt::LeftButton) {
             m_resumeAfterScrub = true;
@@ -123,6 +124,7 @@ void Transport::play()
 
 void Transport::pause()
 {
+    m_resumeAfterScrub = false; // which would play on when the button is let go
     const bool willPlay = m_manager.status() == PlaybackManager::Seeking && m_playWhenReady;
     if (m_manager.state() == PlaybackManager::Playing || willPlay) {
         togglePlaying();
@@ -275,7 +277,7 @@ void Transport::followPlayHead(double seconds)
     } else if (frame >= m_range.end && settings().loop) {
         loopToRangeStart();
     } else if (frame >= m_range.end) {
-        stopAtRangeEnd(frame, frameBefore);
+        stopAtRangeEnd(frameBefore);
     }
     if (m_manager.state() != PlaybackManager::Playing) {
         return;
@@ -300,7 +302,11 @@ void Transport::loopToRangeStart()
 {
     Q_EMIT repaintNeeded();
     const double pauseUs = m_manager.frameDuration() * lastFrameShareUs;
-    goTo(m_range.start);
+    if (m_range.start == m_range.end) {
+        m_manager.seek(false, m_clock.timeOf(m_range.start), 0.0); // before its time is over
+    } else {
+        goTo(m_range.start);
+    }
     const bool ready = m_manager.status() == PlaybackManager::Ready;
     m_playWhenReady = m_playWhenReady || !ready;
     QThread::usleep(static_cast<unsigned long>(std::clamp(pauseUs, 0.0, longestLastFrameUs)));
@@ -308,11 +314,12 @@ void Transport::loopToRangeStart()
     m_manager.play(untilTheEnd);
 }
 
-// Where the window was kept busy the tick that should have met the range's end comes too late.
-void Transport::stopAtRangeEnd(int frame, int frameBefore)
+// Where the window was kept busy the tick that should have met the range's end comes too late, and
+// the sound can carry the clock on until it stands.
+void Transport::stopAtRangeEnd(int frameBefore)
 {
     m_manager.pause();
-    if (frame > m_range.end && m_range.contains(frameBefore)
+    if (currentFrame() > m_range.end && m_range.contains(frameBefore)
         && m_manager.status() == PlaybackManager::Ready) {
         goTo(m_range.end, { .skipPlayWhenReady = true });
     }
@@ -339,9 +346,12 @@ void Transport::onLoaded()
 
 void Transport::onReady()
 {
-    if ((applyPendingRange() || applySavedRange())
-        && m_manager.status() != PlaybackManager::Ready) {
-        return;
+    if (applyPendingRange() || applySavedRange()) {
+        carryOutWaiting();
+        m_playWhenReady = settings().autoplay;
+        if (m_manager.status() != PlaybackManager::Ready) {
+            return;
+        }
     }
     startIfReady();
     if (std::exchange(m_loopPending, false)) {

@@ -103,7 +103,7 @@ private:
     void startIfReady();
     void goToRangeStart();
     void loopToRangeStart();
-    void stopAtRangeEnd(int frame, int frameBefore);
+    void stopAtRangeEnd(int frameBefore);
     void applyRange(FrameRange range);
     bool applyPendingRange();
     bool applySavedRange();

@@ -1,9 +1,12 @@
 #include "clips.h"
+#include "framecode.h"
 #include "playbackmanager.h"
 #include "player.h"
 #include "rangetimelinewidget.h"
 #include "settings.h"
 #include "settingsstore.h"
+#include "softwareviewer.h"
+#include "tcpserver.h"
 
 #include <QtTest>
 
@@ -175,7 +178,9 @@ private Q_SLOTS:
 
     void autoplay_startsOnceWithARange()
     {
-        open(20, 240, with(&Settings::autoplay));
+        Settings values = with(&Settings::autoplay);
+        values.continuePlayingAfterSeek = false;
+        open(20, 240, values);
         QTRY_VERIFY(isPlaying());
         QTRY_VERIFY(frame() > 25);
     }
@@ -201,6 +206,46 @@ private Q_SLOTS:
         m_player->pause();
         QTRY_VERIFY(isReady() && frame() == 60);
         QVERIFY(!isPlaying());
+    }
+
+    void remoteRequests_waitForTheFile()
+    {
+        open();
+        m_player->open(clip("mpeg4.avi").path, 5, 9);
+        auto& remote = part<TcpServer>();
+        Q_EMIT remote.frameChanged(3);
+        Q_EMIT remote.frameChangedRelative(4);
+        Q_EMIT remote.rangeEndChanged(70);
+        Q_EMIT remote.rangeStartChanged(30);
+        Q_EMIT remote.rangeStartChanged(20);
+        QTRY_COMPARE(range(), Range(20, 70));
+        QTRY_VERIFY(isReady() && frame() == 23);
+    }
+
+    void playing_beginsWithTheFrameAskedFor()
+    {
+        open();
+        m_player->open(clip("longgop.mp4").path);
+        QTRY_COMPARE(manager().mediaFilename(), clip("longgop.mp4").path);
+        QTRY_VERIFY(isReady() && frame() == 1);
+        m_player->playForward();
+        QTRY_VERIFY(isPlaying());
+        QVector<QPair<int, int>> titledAndShown;
+        connect(&manager(), &PlaybackManager::playbackTimeChanged, this, [&] {
+            if (isPlaying()) {
+                const QImage picture = part<SoftwareViewer>().pixmap().toImage();
+                titledAndShown.append(
+                    { frame(), framecode::read(picture.convertToFormat(QImage::Format_RGB888)) });
+            }
+        });
+        m_player->setRangeEnd(150);
+        m_player->setCurrentFrame(140, false, true);
+        QTRY_VERIFY(isReady() && !isPlaying() && frame() == 150);
+        manager().disconnect(this);
+        for (const auto& [titled, shown] : qAsConst(titledAndShown)) {
+            QCOMPARE(shown, titled);
+        }
+        QVERIFY(titledAndShown.contains({ 140, 140 }));
     }
 
     void opening_losesNothingForAMissingFile()
