@@ -67,6 +67,9 @@ int main(int argc, char* argv[])
     }
     // The sound library would start a sound server of its own where none runs.
     qputenv("JACK_NO_START_SERVER", "1");
+    // At the end of a session the window would be asked to close and, while it lets go of its file,
+    // be taken for refusing. The signal that follows closes it in order.
+    QGuiApplication::setFallbackSessionManagementEnabled(false);
     SingleApplication application(argc, argv, QStringLiteral("vantorUniqueKey"));
     SingleApplication::setApplicationVersion(QStringLiteral(VANTOR_VERSION));
     const QStringList arguments = SingleApplication::arguments();

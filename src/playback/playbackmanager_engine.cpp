@@ -118,9 +118,11 @@ void PlaybackManager::completeLoad()
     if (m_revision == revision && m_status == Ready) {
         handleReady(); // the decoders may have come further while this loaded
     }
-    if (m_revision == revision && m_status == Ready && m_cacheResized) {
+    if (m_cacheResized && m_mediaSource && (m_status == Ready || m_status == Seeking)) {
         resizeCache(); // asked for while the file was loading
-        seek(true, 0.0, 0.0);
+        if (m_revision == revision && m_status == Ready) {
+            seek(true, 0.0, 0.0);
+        }
     }
 }
 
