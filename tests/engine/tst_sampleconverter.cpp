@@ -38,38 +38,32 @@ class TestSampleConverter : public QObject {
     }
 
 private Q_SLOTS:
-    void convert_givesTheOpenedOutput_data()
-    {
-        QTest::addColumn<int>("format");
-        QTest::addColumn<int>("channels");
-        QTest::addColumn<int>("rate");
-        const auto row = [](const char* name, int format, int channels, int rate = outputRate) {
-            QTest::newRow(name) << format << channels << rate;
-        };
-        row("as opened", AV_SAMPLE_FMT_S16, 2);
-        row("8 bits, planar", AV_SAMPLE_FMT_U8P, 2);
-        row("other rate", AV_SAMPLE_FMT_FLTP, 2, 22050);
-        row("surround mixed down", AV_SAMPLE_FMT_FLT, 6);
-        row("one channel for two", AV_SAMPLE_FMT_S16, 1);
-        row("no known layout, packed floats", AV_SAMPLE_FMT_FLT, 9);
-        row("no known layout, planar", AV_SAMPLE_FMT_S16P, 9);
-        row("no known layout, 8 bits", AV_SAMPLE_FMT_U8, 9);
-    }
     void convert_givesTheOpenedOutput()
     {
-        QFETCH(int, format);
-        QFETCH(int, channels);
-        QFETCH(int, rate);
-        SampleConverter converter(2, outputRate);
-        // Whatever was converted before, a frame of another kind is made into the same output.
-        QVERIFY(converter.convert(*sound(AV_SAMPLE_FMT_S16P, 1, 8000), 0.0));
-        const auto block =
-            converter.convert(*sound(static_cast<AVSampleFormat>(format), channels, rate), 2.5);
-        QVERIFY(block && block->valueCount == block->sampleCount * 2 && block->time == 2.5);
-        QVERIFY(qAbs(block->sampleCount - outputRate / 10) < outputRate / 500);
-        const int middle = block->sampleCount / 2 * 2;
-        QVERIFY(block->samples[middle] > 8000);
-        QCOMPARE(block->samples[middle], block->samples[middle + 1]);
+        const struct {
+            const char* name;
+            AVSampleFormat format;
+            int channels;
+            int rate = outputRate;
+        } rows[] = { { "as opened", AV_SAMPLE_FMT_S16, 2 },
+            { "8 bits, planar", AV_SAMPLE_FMT_U8P, 2 },
+            { "other rate", AV_SAMPLE_FMT_FLTP, 2, 22050 },
+            { "surround mixed down", AV_SAMPLE_FMT_FLT, 6 },
+            { "one channel for two", AV_SAMPLE_FMT_S16, 1 },
+            { "no known layout, packed floats", AV_SAMPLE_FMT_FLT, 9 },
+            { "no known layout, planar", AV_SAMPLE_FMT_S16P, 9 },
+            { "no known layout, 8 bits", AV_SAMPLE_FMT_U8, 9 } };
+        for (const auto& row : rows) {
+            SampleConverter converter(2, outputRate);
+            // Whatever was converted before, a frame of another kind is made into the same output.
+            QVERIFY(converter.convert(*sound(AV_SAMPLE_FMT_S16P, 1, 8000), 0.0));
+            const auto block = converter.convert(*sound(row.format, row.channels, row.rate), 2.5);
+            QVERIFY2(block && block->valueCount == block->sampleCount * 2, row.name);
+            QVERIFY2(qAbs(block->sampleCount - outputRate / 10) < outputRate / 500, row.name);
+            QCOMPARE(block->time, 2.5);
+            const int16_t* middle = &block->samples[block->sampleCount / 2 * 2];
+            QVERIFY2(middle[0] > 8000 && middle[0] == middle[1], row.name);
+        }
     }
 };
 

@@ -43,34 +43,25 @@ class TestVideoFrameCache : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void budget_data()
+    void budgetIsSplitIntoPlaces()
     {
-        QTest::addColumn<qint64>("cacheBytes");
-        QTest::addColumn<qint64>("frameBytes");
-        QTest::addColumn<float>("share");
-        QTest::addColumn<int>("capacity");
-        QTest::addColumn<int>("trailing");
-        const auto row = [](const char* name, qint64 cache, qint64 frame, float share, int capacity,
-                             int trailing) {
-            QTest::newRow(name) << cache << frame << share << capacity << trailing;
-        };
-        row("minimum budget", 100000000, 1000, 0.5F, 253440, 126720);
-        row("minimum, full HD", 0, 6220800, 0.7F, 40, 28);
-        row("just above the minimum", 256000000, 6220800, 0.7F, 40, 28);
-        row("more than 32 bits", 8000000000, 6220800, 0.8F, 1273, 1018);
-        row("two ahead at least", 0, smallestBudget / 3, 1.0F, 3, 1);
-        row("picture larger than the budget", 0, 300000000, 0.8F, 2, 0);
-        row("size not known", 0, 0, 0.0F, 253440000, 0);
-    }
-    void budget()
-    {
-        QFETCH(const qint64, cacheBytes);
-        QFETCH(const qint64, frameBytes);
-        QFETCH(const float, share);
-        VideoFrameCache cache;
-        cache.setCacheSize(cacheBytes, frameBytes, share);
-        QTEST(cache.capacity(), "capacity");
-        QTEST(cache.trailing(), "trailing");
+        const struct {
+            const char* name;
+            int64_t cacheBytes, frameBytes;
+            float share;
+            int capacity, trailing;
+        } rows[] = { { "minimum, full HD", 0, 6220800, 0.7F, 40, 28 },
+            { "just above the minimum", 256000000, 6220800, 0.7F, 40, 28 },
+            { "more than 32 bits", 8000000000, 6220800, 0.8F, 1273, 1018 },
+            { "two ahead at least", 0, smallestBudget / 3, 1.0F, 3, 1 },
+            { "picture larger than the budget", 0, 300000000, 0.8F, 2, 0 },
+            { "size not known", 0, 0, 0.0F, 253440000, 0 } };
+        for (const auto& row : rows) {
+            VideoFrameCache cache;
+            cache.setCacheSize(row.cacheBytes, row.frameBytes, row.share);
+            QVERIFY2(
+                cache.capacity() == row.capacity && cache.trailing() == row.trailing, row.name);
+        }
     }
 
     void frameAt_isTheLastThatStartsByThen()
@@ -95,7 +86,7 @@ private Q_SLOTS:
         }
     }
 
-    void beforeAnythingIsShownItRollsUpToTheClock()
+    void beforeAnythingIsShownItRollsUpToTheClockThenKeepsTheTrailingShare()
     {
         VideoFrameCache cache;
         cache.setCacheSize(0, smallestBudget / 10, 0.5F);
@@ -104,21 +95,12 @@ private Q_SLOTS:
         QCOMPARE(cache.byteCount(), int64_t{ 10 } * pictureBytes);
         QVERIFY(cache.contains(3.0) && cache.contains(13.0));
         QVERIFY(!cache.contains(2.9) && !cache.contains(13.1));
-        QCOMPARE(shownAt(cache, 3.5), 3);
-        QVERIFY(!put(cache, 13)); // from now on the trailing share decides
-    }
-
-    void onceShownItKeepsTheTrailingShare()
-    {
-        VideoFrameCache cache;
-        cache.setCacheSize(0, smallestBudget / 10, 0.5F);
-        QCOMPARE(fill(cache), 10);
-        for (const int head : { 0, 3, 5 }) {
+        for (const int head : { 3, 6, 8 }) {
             QCOMPARE(shownAt(cache, head), head);
-            QVERIFY(!cache.hasRoom(head) && !put(cache, 10));
+            QVERIFY(!cache.hasRoom(head) && !put(cache, 13));
         }
-        QCOMPARE(shownAt(cache, 8.0), 8); // three places further than may stay behind
-        QCOMPARE(fill(cache, 10, 8.0), 13);
+        QCOMPARE(shownAt(cache, 11.0), 11); // three places further than may stay behind
+        QCOMPARE(fill(cache, 13, 11.0), 16);
     }
 
     void reset_keepsThePictureUntilALaterPut()
