@@ -78,22 +78,18 @@ private Q_SLOTS:
     void missingFile_turnsZeroesIntoDefaults()
     {
         const Settings& values = settings();
-        QVERIFY(!values.showTimeline && values.volume == 0 && values.cacheTrailingPct == 0.0F);
+        QVERIFY(!values.showTimeline && values.volume == 0);
         loadSettings();
         QCOMPARE(texts(), defaultTexts());
-        QVERIFY(values.showTimeline && !values.showRangeTimeline);
+        QVERIFY(values.showTimeline && values.volume == 100 && values.cacheTrailingPct == 0.8F);
         QVERIFY(values.rangeTimeline.positionAtTop && !values.timeline.positionAtTop);
-        QCOMPARE(values.volume, 100);
-        QCOMPARE(values.cacheTrailingPct, 0.8F);
         QCOMPARE(settingsFilePath(), m_home->path() + "/.quillon/vantor.ini");
         QCOMPARE(bookmarksDirectory(), m_home->path() + "/.quillon/bookmarks");
         QVERIFY(QDir(bookmarksDirectory()).exists());
     }
 
-    void load_takesOrRepairs_data()
+    void load_takesOrRepairs()
     {
-        QTest::addColumn<QByteArray>("group");
-        QTest::addColumn<QString>("expected");
         // clang-format off
         const struct { const char* group; const char* key; const char* stored; const char* expected; } rows[] = {
             {"preferences", "cacheSize", "255", "512"},
@@ -120,24 +116,17 @@ private Q_SLOTS:
             {"timeline", "rangeTimelinePositionAtTop", "false", "false"},
         };
         // clang-format on
-        for (const auto& row : rows) {
-            QTest::addRow("%s=%s", row.key, row.stored)
-                << QByteArray(row.group) << QString(row.expected);
+        for (const auto& [group, key, stored, expected] : rows) {
+            init(); // a file of the same size and time would not be read again
+            const QByteArray line = key + QByteArray("=") + stored + "\n";
+            QVERIFY(writeFile("[file]\nrecentBookmarkFiles=1, 2, 3, 4, 5, 6\n[" + QByteArray(group)
+                + "]\n" + line));
+            loadSettings();
+            Texts all = defaultTexts();
+            all["recentBookmarkFiles"] = "1|2|3|4|5"; // cut to its length
+            all[key] = expected;
+            QVERIFY2(texts() == all, line);
         }
-    }
-
-    void load_takesOrRepairs()
-    {
-        QFETCH(QByteArray, group);
-        QFETCH(QString, expected);
-        const QByteArray line = QTest::currentDataTag();
-        QVERIFY(writeFile(
-            "[file]\nrecentBookmarkFiles=1, 2, 3, 4, 5, 6\n[" + group + "]\n" + line + "\n"));
-        loadSettings();
-        Texts all = defaultTexts();
-        all["recentBookmarkFiles"] = "1|2|3|4|5"; // cut to its length
-        all[line.left(line.indexOf('='))] = expected;
-        QCOMPARE(texts(), all);
     }
 
     void save_isReadBackAndReadable()
@@ -155,8 +144,7 @@ private Q_SLOTS:
         QCOMPARE(texts(), saved);
         std::set<SettingRow::Target> targets;
         for (const SettingRow& row : settingRows(settings())) {
-            QVERIFY2(
-                targets.insert(row.target).second == row.saved, row.key); // no value has two keys
+            QVERIFY2(targets.insert(row.target).second == row.saved, row.key); // one key a value
         }
         QCOMPARE(settings().windowGeometry, geometry);
     }
@@ -164,9 +152,8 @@ private Q_SLOTS:
     void brokenFile_givesDefaultsAndIsReplaced()
     {
         QRandomGenerator random(3);
-        QByteArray noise(100000, Qt::Uninitialized);
-        std::generate(
-            noise.begin(), noise.end(), [&] { return static_cast<char>(random.bounded(256)); });
+        QByteArray noise(100000, 0);
+        random.fillRange(reinterpret_cast<quint32*>(noise.data()), noise.size() / 4);
         const QByteArray contents[] = { {}, QByteArray(4096, '\0'), noise,
             "[main]\n=1\nvolume\n[[file\n]x=", "[preferences]\ncacheSize=@Variant(\\0\\0",
             "[preferences]\ncacheSize=@Variant(\\0\\0\\0\\f\\xff\\xff\\xff\\xfe)\n" };
