@@ -1,35 +1,42 @@
 #include "playbackrig.h"
 
+#include "clips.h"
 #include "framecode.h"
 
+#include <QDir>
 #include <QImage>
-#include <QtTest>
+#include <QTest>
 
 namespace {
+
 constexpr int patienceMs = 10000;
 constexpr int64_t cacheBytes = 256000000;
 constexpr float trailingShare = 0.8F;
+
+QString pathOf(const QString& name)
+{
+    return QDir::isAbsolutePath(name) ? name : clip(name).path;
 }
 
-PlaybackRig::PlaybackRig()
+} // namespace
+
+bool PlaybackRig::request(const QString& name)
 {
-    manager.setViewer(&viewer);
+    return manager.setMedia(pathOf(name), cacheBytes, trailingShare);
 }
 
-bool PlaybackRig::open(const QString& path)
+bool PlaybackRig::open(const QString& name)
 {
-    return manager.setMedia(path, cacheBytes, trailingShare)
-        && QTest::qWaitFor(
-            [&] {
-                return manager.mediaFilename() == path
-                    && manager.status() == PlaybackManager::Ready;
-            },
-            patienceMs);
+    const auto isOpen = [&] {
+        return manager.mediaFilename() == pathOf(name)
+            && manager.status() == PlaybackManager::Ready;
+    };
+    return request(name) && QTest::qWaitFor(isOpen, patienceMs);
 }
 
 void PlaybackRig::goTo(int frame, bool clearCache)
 {
-    manager.seek(clearCache, timeOf(frame), 0.0);
+    manager.seek(clearCache, (frame - 1) * manager.frameDuration() + 0.0001, 0.0);
 }
 
 int PlaybackRig::shown() const
@@ -45,6 +52,12 @@ int PlaybackRig::settledOn(int frame)
     return QTest::qWaitFor(settled, patienceMs) ? frame : shown();
 }
 
+int PlaybackRig::visit(int frame, bool clearCache)
+{
+    goTo(frame, clearCache);
+    return settledOn(frame);
+}
+
 bool PlaybackRig::waitFor(PlaybackManager::Status status)
 {
     return QTest::qWaitFor([&] { return manager.status() == status; }, patienceMs);
@@ -53,14 +66,4 @@ bool PlaybackRig::waitFor(PlaybackManager::Status status)
 bool PlaybackRig::waitForState(PlaybackManager::State state)
 {
     return QTest::qWaitFor([&] { return manager.state() == state; }, patienceMs);
-}
-
-int PlaybackRig::lastFrame() const
-{
-    return static_cast<int>(manager.duration() * manager.frameRate() + 1.0);
-}
-
-double PlaybackRig::timeOf(int frame) const
-{
-    return (frame - 1) * manager.frameDuration() + 0.0001;
 }

@@ -3,16 +3,17 @@
 #include "playbackmanager.h"
 #include "softwareviewer.h"
 
-#include <QString>
-
 /// A playback manager with a view, driven the way the window drives it. Pictures are asked which
 /// frame they are.
 class PlaybackRig {
 public:
-    PlaybackRig();
+    PlaybackRig() { manager.setViewer(&viewer); }
+
+    /// Asks for a file, by the name of a clip or its path, without waiting for it.
+    bool request(const QString& name);
 
     /// Opens a file and waits until it is ready.
-    bool open(const QString& path);
+    bool open(const QString& name);
 
     /// Asks for a frame, from 1 on, the way the window does.
     void goTo(int frame, bool clearCache = false);
@@ -24,11 +25,11 @@ public:
     /// it is.
     int settledOn(int frame);
 
+    /// Goes there and settles.
+    int visit(int frame, bool clearCache = false);
+
     bool waitFor(PlaybackManager::Status status);
     bool waitForState(PlaybackManager::State state);
-
-    [[nodiscard]] int lastFrame() const;
-    [[nodiscard]] double timeOf(int frame) const;
 
     SoftwareViewer viewer;
     PlaybackManager manager;
