@@ -232,10 +232,16 @@ private Q_SLOTS:
         }
     }
 
+    void pauseWithoutAFile_losesNoName()
+    {
+        PlaybackRig rig;
+        rig.manager.pause();
+        QVERIFY(rig.open("vp9.webm"));
+    }
+
     void newNameWhileLoading_winsAndTheOldOneStaysSilent()
     {
         PlaybackRig rig;
-        rig.manager.pause(); // without a file it lost the name that came next
         QStringList loaded;
         connect(&rig.manager, &Manager::statusChanged, this, [&](Manager::Status status) {
             if (status == Manager::Loaded || status == Manager::Ready) {
