@@ -53,9 +53,11 @@ private Q_SLOTS:
             }
             QCOMPARE(QSize(viewer.imageWidth(), viewer.imageHeight()), expected.size());
         }
-        viewer.resize(80, 45);
         viewer.setPixmap(plain({ 320, 180 }));
-        (void)shown(viewer);
+        for (const QSize& view : { QSize(64, 36), QSize(80, 45) }) { // of the same picture
+            viewer.resize(view);
+            QCOMPARE(shown(viewer), imageOf(view, Qt::red, {}, Qt::red));
+        }
         viewer.setShape({ 320, 90 });
         QCOMPARE(shown(viewer), imageOf({ 80, 45 }, Qt::black, { 0, 11, 80, 22 }, Qt::red));
         viewer.setPixmap(QPixmap());

@@ -70,6 +70,7 @@ private Q_SLOTS:
         widget.setValue(1);
         auto* slider = widget.findChild<ZSlider*>();
         slider->resize(200, 20);
+        slider->setMouseTracking(true);
         QSignalSpy moved(&widget, &PlaybackSliderWidget::sliderPositionChanged);
         moveTo(*slider, { 60, 10 }, Qt::NoButton);
         QCOMPARE(widget.value(), 1);
