@@ -12,6 +12,7 @@
 
 #include <X11/Xutil.h>
 #include <X11/extensions/XTest.h>
+#include <algorithm>
 #include <csignal>
 #include <functional>
 
@@ -20,9 +21,11 @@ namespace {
 constexpr int limitMs = 20000; // for anything; an instrumented build is slow
 constexpr int restMs = 300; // far longer than a frame stays while a clip plays
 constexpr int repeatRate = 30; // presses a second of a key held down
+constexpr char ownTitles[] = "^Vantor$| -- Frame ";
 constexpr QRgb markerColour = qRgb(200, 200, 200);
 // Heights of the window's parts in pixels; the video is between the two timelines.
 constexpr int rangeTimelineHeight = 46;
+constexpr int cacheRow = 29; // of that
 constexpr int timelineHeight = 40;
 constexpr int buttonsHeight = 42;
 
@@ -107,6 +110,11 @@ struct Track {
     }
 };
 
+QRect viewIn(const QImage& all)
+{
+    return all.rect().adjusted(0, rangeTimelineHeight, 0, -buttonsHeight - timelineHeight);
+}
+
 int frameInView(const QImage& view, const Clip& clip)
 {
     QRect shown({}, QSize(clip.width, clip.height).scaled(view.size(), Qt::KeepAspectRatio));
@@ -153,6 +161,7 @@ DrivenPlayer::DrivenPlayer(const QVariantMap& settings)
 
 DrivenPlayer::~DrivenPlayer()
 {
+    holdButton(false); // also where a test has failed meanwhile
     m_process.terminate(); // in order, so that it leaves no shared memory
     if (!m_process.waitForFinished(limitMs)) {
         m_process.kill();
@@ -173,9 +182,19 @@ bool DrivenPlayer::start(const QStringList& arguments)
 {
     m_process.waitForFinished(); // one that was killed
     m_process.start(VANTOR_PROGRAM, arguments);
-    const bool came = m_process.waitForStarted()
-        && await([this] { return (m_window = window("^Vantor$| -- Frame ")) != 0; });
-    XSetInputFocus(display(), m_window, RevertToParent, CurrentTime);
+    return m_process.waitForStarted() && focus();
+}
+
+bool DrivenPlayer::focus(const QString& title)
+{
+    const QByteArray titles = title.isEmpty() ? QByteArray(ownTitles) : '^' + title.toUtf8() + '$';
+    Window found = 0;
+    const bool came = await([&] { return (found = window(titles)) != 0; });
+    if (title.isEmpty()) {
+        m_window = found; // another one once its kind has changed
+    }
+    XSetInputFocus(display(), found, RevertToParent, CurrentTime);
+    XFlush(display());
     return came;
 }
 
@@ -241,10 +260,9 @@ QString DrivenPlayer::sight(const Scene& scene) const
     XRaiseWindow(display(), m_window); // the console may lie on it
     const QString title = titleOf(m_window);
     const QImage all = pictureOf(m_window);
-    const int bottom = all.height() - buttonsHeight - timelineHeight;
-    const QImage view = all.copy(0, rangeTimelineHeight, all.width(), bottom - rangeTimelineHeight);
-    return worded(title, frameInView(view, scene.clip),
-        Track(false, scene, all.width()).marked(all, bottom + 25),
+    const QRect view = viewIn(all);
+    return worded(title, frameInView(all.copy(view), scene.clip),
+        Track(false, scene, all.width()).marked(all, view.bottom() + 26),
         Track(true, scene, all.width()).marked(all, 20));
 }
 
@@ -260,29 +278,83 @@ QImage DrivenPlayer::console() const
     return pictureOf(window("^Console$"));
 }
 
+QImage DrivenPlayer::view() const
+{
+    const QImage all = pictureOf(m_window);
+    return all.copy(viewIn(all));
+}
+
+QString DrivenPlayer::turn(const Clip& clip) const
+{
+    const QImage picture = view();
+    for (int turns = 0; turns < 8; ++turns) {
+        const bool mirrored = turns >= 4;
+        const int degrees = turns % 4 * 90;
+        const QImage back = picture.transformed(QTransform().rotate(-degrees));
+        if (frameInView(back.mirrored(mirrored, false), clip) > 0) {
+            return (mirrored ? "mirrored" : "") + QString::number(degrees);
+        }
+    }
+    return {};
+}
+
+bool DrivenPlayer::isCached(const Scene& scene, int frame) const
+{
+    const QImage all = pictureOf(m_window);
+    const QRgb place = all.pixel(Track(true, scene, all.width()).x(frame) + 2, cacheRow);
+    return qBlue(place) > qRed(place) + 30; // the greys are a little blue, too
+}
+
 void DrivenPlayer::hold(const QString& key, int times)
 {
-    const unsigned code = XKeysymToKeycode(display(), XStringToKeysym(qPrintable(key)));
+    QVector<unsigned> codes;
+    for (const QString& name : key.split('+')) {
+        const bool modifies = QStringList{ "Control", "Shift", "Alt" }.contains(name);
+        const QString symbol = modifies ? name + "_L" : name;
+        codes.append(XKeysymToKeycode(display(), XStringToKeysym(qPrintable(symbol))));
+    }
     QElapsedTimer timer;
     timer.start();
     for (int i = 0; i < times; ++i) {
         await([&] { return timer.elapsed() >= i * 1000 / repeatRate; });
-        XTestFakeKeyEvent(display(), code, True, CurrentTime);
-        XTestFakeKeyEvent(display(), code, False, CurrentTime);
+        for (const unsigned code : codes) {
+            XTestFakeKeyEvent(display(), code, True, CurrentTime);
+        }
+        std::for_each(codes.rbegin(), codes.rend(),
+            [](unsigned code) { XTestFakeKeyEvent(display(), code, False, CurrentTime); });
         XFlush(display());
     }
 }
 
 void DrivenPlayer::point(bool rangeTimeline, const Scene& scene, int frame, bool above)
 {
-    const QSize size = pictureOf(m_window).size();
-    const int bottom = size.height() - buttonsHeight - timelineHeight;
-    const int y = (rangeTimeline ? 0 : bottom) + (above ? 5 : 30);
-    QPoint place;
+    const QImage all = pictureOf(m_window);
+    const int top = rangeTimeline ? 0 : viewIn(all).bottom() + 1;
+    pointAt({ Track(rangeTimeline, scene, all.width()).x(frame), top + (above ? 5 : 30) });
+}
+
+void DrivenPlayer::pointAtVideo()
+{
+    pointAt(viewIn(pictureOf(m_window)).center());
+}
+
+void DrivenPlayer::pointAtMenus()
+{
+    pointAt({ 15, 12 });
+}
+
+void DrivenPlayer::pointAt(QPoint place)
+{
     Window child = 0;
-    XTranslateCoordinates(display(), m_window, DefaultRootWindow(display()),
-        Track(rangeTimeline, scene, size.width()).x(frame), y, &place.rx(), &place.ry(), &child);
+    XTranslateCoordinates(display(), m_window, DefaultRootWindow(display()), place.x(), place.y(),
+        &place.rx(), &place.ry(), &child);
     XTestFakeMotionEvent(display(), -1, place.x(), place.y(), CurrentTime);
+    XFlush(display());
+}
+
+void DrivenPlayer::movePointer(int pixels)
+{
+    XTestFakeRelativeMotionEvent(display(), pixels, 0, CurrentTime);
     XFlush(display());
 }
 

@@ -31,8 +31,12 @@ public:
 
     /// A second name for the clip, in a folder of this player's own.
     [[nodiscard]] Clip linked(const Clip& clip, const QString& name) const;
+    /// A file's path in that folder.
+    [[nodiscard]] QString path(const QString& name) const { return m_folder.filePath(name); }
     /// Gives the window the keyboard; false where none comes.
     bool start(const QStringList& arguments);
+    /// Gives the keyboard to the window of a title, without one to the player's own.
+    bool focus(const QString& title = {});
     /// One more launch, from the folder of linked clips; its exit code, -1 where it does not end.
     int launchAgain(const QStringList& arguments) const;
     void send(int signal);
@@ -46,14 +50,23 @@ public:
     /// Waits until title, picture and timelines show the frame; what they show at the end.
     [[nodiscard]] QString awaitSight(const Scene& scene, int frame) const;
     [[nodiscard]] QImage console() const; // null while it is hidden
+    [[nodiscard]] QImage view() const; // the video's, between the two timelines
+    /// Degrees by which the picture is turned clockwise, behind "mirrored" where it is that first.
+    [[nodiscard]] QString turn(const Clip& clip) const;
+    [[nodiscard]] bool isCached(const Scene& scene, int frame) const; // on the range timeline
 
-    /// Presses a key, the name of an X keysym, as fast as a keyboard repeats one that is held down.
+    /// Presses a key, the name of an X keysym after those of its modifiers ("Control+Shift+p"), as
+    /// fast as a keyboard repeats one that is held down.
     void hold(const QString& key, int times = 1);
     /// Moves the pointer to a frame's place on a timeline, or above it, where there is nothing.
     void point(bool rangeTimeline, const Scene& scene, int frame, bool above = false);
+    void pointAtVideo();
+    void pointAtMenus(); // the first one
+    void movePointer(int pixels); // to the right, at once
     void holdButton(bool down); // the left one
 
 private:
+    void pointAt(QPoint place); // in the window
     [[nodiscard]] unsigned long window(const char* titles) const; // a pattern; 0 for none
     [[nodiscard]] QString sight(const Scene& scene) const;
 

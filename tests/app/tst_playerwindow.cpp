@@ -1,4 +1,4 @@
-#include "drivenplayer.h"
+#include "script.h"
 #include "soundserver.h"
 
 #include <QtTest>
@@ -34,9 +34,6 @@ private:
     const SoundServer m_sound;
 };
 
-// What is done, word by word: a key, pressed once or held for so many presses; `T20` and `R20` move
-// the pointer to a frame on the timeline or the range timeline, `T20^` to above it; `down` and `up`
-// are its button. `=20` is to be on show everywhere then, `#20` only in the title.
 void TestPlayerWindow::showsTheFrameEverywhere_data()
 {
     QTest::addColumn<Scene>("scene");
@@ -79,21 +76,7 @@ void TestPlayerWindow::showsTheFrameEverywhere()
     DrivenPlayer player({ { "playback/loopOnStep", loopOnStep } });
     QVERIFY(player.start(QStringList(scene.clip.path) + range.split(' ', Qt::SkipEmptyParts)));
     QTRY_VERIFY(player.frame() > 0);
-    for (const QString& action : actions.split(' ')) {
-        const QChar kind = action.front();
-        const int frame = action.mid(1).remove('^').toInt();
-        if (kind == '=') {
-            SHOWS(player, scene, frame);
-        } else if (kind == '#') {
-            QTRY_COMPARE(player.frame(), frame);
-        } else if (frame > 0) {
-            player.point(kind == 'R', scene, frame, action.endsWith('^'));
-        } else if (action == "down" || action == "up") {
-            player.holdButton(action == "down");
-        } else {
-            player.hold(action.section('*', 0, 0), qMax(1, action.section('*', 1).toInt()));
-        }
-    }
+    follow(player, scene, actions);
     QVERIFY(player.close());
     QCOMPARE(player.setting("file/recentFiles").toStringList(), QStringList(scene.clip.path));
 }
