@@ -21,7 +21,7 @@ QString speed(DrivenPlayer& player)
     player.hold("Control+c");
     const auto copied = [] { return QGuiApplication::clipboard()->text(); };
     static_cast<void>(QTest::qWaitFor([&] { return !copied().isEmpty(); }));
-    const QString text = copied(); // while the dialog is there to give it
+    QString text = copied(); // while the dialog is there to give it
     player.hold("Escape");
     player.focus();
     return text;
