@@ -84,15 +84,35 @@ private Q_SLOTS:
         QTRY_COMPARE(m_heard, expected);
     }
 
+    void webPage_isShutOut_data()
+    {
+        QTest::addColumn<QByteArray>("request"); // up to its header, in packets apart by '|'
+        const QByteArray tooLong(200'000, 'a');
+        QTest::newRow("GET") << QByteArray("GET /frame HTTP/1.1\r\n");
+        QTest::newRow("its version left out") << QByteArray("GET /\r\n");
+        QTest::newRow("in pieces") << QByteArray("PO|ST / HT|TP/1.1|\r|\n");
+        QTest::newRow("a method that is a command") << QByteArray("frame /5 HTTP/1.1\r\n");
+        QTest::newRow("that in pieces") << QByteArray("frame |5 |HTTP/2.0|\r\n");
+        QTest::newRow("too long") << "GET /?" + tooLong + " HTTP/1.1\r\n";
+        QTest::newRow("that in pieces") << "G|ET /?" + tooLong + "|\r\n";
+        QTest::newRow("too long, a command") << "file /" + tooLong + " HTTP/1.1\r\n";
+        QTest::newRow("encrypted") << QByteArray("\026\003\001\n");
+    }
+
     void webPage_isShutOut()
     {
-        for (const QByteArray& request : { QByteArray("GET /\r\n"), QByteArray("\026\003\001\n"),
-                 QByteArray("frame /5 HTTP/1.1\r\n"), "file /" + QByteArray(200'000, 'a') }) {
-            const auto client = connected();
-            client->write(request + "\r\n\r\nframe 1\nexit\n");
-            QTRY_COMPARE(client->state(), QAbstractSocket::UnconnectedState);
+        QFETCH(QByteArray, request);
+        const auto client = connected();
+        const QList<QByteArray> packets = (request + "\r\nframe 1\nexit\n").split('|');
+        for (const QByteArray& packet : packets) {
+            client->write(packet);
+            QTest::qWait(packet == packets.last() ? 0 : 20); // so that it is read alone
         }
+        QTRY_COMPARE(client->state(), QAbstractSocket::UnconnectedState);
         QVERIFY(m_heard.isEmpty());
+        const auto next = connected();
+        next->write("frame 2\nfile \"/GET / HTTP/1.1\"\n");
+        QTRY_COMPARE(m_heard.join(','), "f 2,file /GET / HTTP/1.1 -1 -1");
         QVERIFY(!isBrowserRequest("file \"/GET / HTTP/1.1\"\n", true));
     }
 
