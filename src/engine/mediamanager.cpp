@@ -43,6 +43,7 @@ void MediaManager::load(MediaSource* mediaSrc)
         return;
     }
     m_mediaSrc = mediaSrc;
+    m_endMarked = false;
     m_reader = std::make_unique<MediaReader>(mediaSrc);
     const int opened = mediaSrc->abortRequested ? -1 : m_reader->open();
     if (mediaSrc->abortRequested) {
