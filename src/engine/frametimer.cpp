@@ -12,6 +12,7 @@ constexpr double gridToleranceShare = 0.25; // of a frame, for rates at which a 
 FrameTimer::FrameTimer(const Stream& stream)
     : m_stream(stream)
     , m_frameDuration(1.0 / stream.frameRate)
+    , m_comparing(stream.hasConstantRate)
 {
 }
 
@@ -22,6 +23,10 @@ void FrameTimer::packetSent(int64_t decodeTime)
 
 double FrameTimer::timeOf(const Picture& picture)
 {
+    if (isRegular() && picture.ownTime != noTime) {
+        m_guessed = false;
+        return timeOfOwn(picture.ownTime);
+    }
     skipPacketsUpTo(picture.releasedBy);
     double raw = rawTime(picture);
     m_guessed = false;
@@ -42,7 +47,28 @@ double FrameTimer::timeOf(const Picture& picture)
         m_firstTimeSeen = true;
     }
     m_predictedTime = raw + m_frameDuration + 0.5 * m_frameDuration * picture.repeatedFields;
-    return onGrid(time - m_startOffset, m_frameDuration);
+    const double shown = onGrid(time - m_startOffset, m_frameDuration);
+    compare(picture, shown);
+    return shown;
+}
+
+double FrameTimer::timeOfOwn(int64_t ticks) const
+{
+    return onGrid(static_cast<double>(ticks) * m_stream.timeBase - m_ownStart, m_frameDuration);
+}
+
+void FrameTimer::compare(const Picture& picture, double time)
+{
+    m_comparing = m_comparing && picture.ownTime != noTime && !m_guessed;
+    if (!m_comparing) {
+        return;
+    }
+    if (m_agreeing <= 1) { // the first one can be released early
+        m_ownStart = static_cast<double>(picture.ownTime) * m_stream.timeBase - time;
+    }
+    constexpr double sameTime = 1e-6; // seconds; far less than a tick
+    m_comparing = std::abs(timeOfOwn(picture.ownTime) - time) < sameTime && !isRegular();
+    m_agreeing += m_comparing ? 1 : 0;
 }
 
 double FrameTimer::rawTime(const Picture& picture) const
@@ -81,6 +107,7 @@ void FrameTimer::flush()
     m_sent.clear();
     m_predictedTime = 0.0;
     m_decodeTimeMet = false;
+    m_comparing = false;
     // A picture met only after a seek says nothing of where the file starts.
     m_firstTimeSeen = true;
 }

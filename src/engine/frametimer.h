@@ -8,6 +8,9 @@
 /// released without one comes one frame after the picture before. The result is the same however
 /// many threads decode.
 ///
+/// At a constant rate, and once many pictures in a row from the file's start had the time they name
+/// themselves, that one counts from then on: it says the same, and packets may be skipped.
+///
 /// Times are in seconds on the playback clock's scale: the first picture of a file that starts late
 /// is at 0.
 class FrameTimer {
@@ -20,6 +23,7 @@ public:
         double frameRate = 25.0;
         double delay = 0.0; // seconds, subtracted from every time
         bool ignoresDecodeTimes = false; // the codec's decode times mean nothing
+        bool hasConstantRate = false; // by all that the file says
     };
 
     struct Picture {
@@ -47,13 +51,22 @@ public:
     /// False until a picture has fixed where the file starts.
     [[nodiscard]] bool hasStart() const { return m_firstTimeSeen; }
 
+    /// True once the pictures' own times count.
+    [[nodiscard]] bool isRegular() const { return m_agreeing == regularFrom; }
+
+    /// The time that a picture of a regular stream names itself, in ticks, comes to.
+    [[nodiscard]] double timeOfOwn(int64_t ticks) const;
+
     /// The multiple of the frame duration that `seconds` stands for: containers with millisecond
     /// stamps write a frame up to 0.5 ms beside its exact start. Times off the grid stay as they
     /// are.
     static double onGrid(double seconds, double frameDuration);
 
 private:
+    static constexpr int regularFrom = 32; // pictures
+
     void skipPacketsUpTo(int64_t decodeTime);
+    void compare(const Picture& picture, double time);
     [[nodiscard]] double rawTime(const Picture& picture) const;
 
     const Stream m_stream;
@@ -64,4 +77,7 @@ private:
     bool m_firstTimeSeen = false;
     bool m_guessed = false;
     bool m_decodeTimeMet = false; // since the last flush
+    bool m_comparing = false; // until the first flush, or a picture's own time is another
+    int m_agreeing = 0; // pictures from the start whose own time is that of their release
+    double m_ownStart = 0.0; // raw own time of a picture at 0
 };

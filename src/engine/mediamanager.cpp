@@ -6,6 +6,8 @@
 #include <QMetaType>
 #include <QThread>
 
+#include <algorithm>
+
 extern "C" {
 #include <libavutil/error.h>
 }
@@ -17,6 +19,7 @@ constexpr int mostPacketsToLanding =
     2000; // a stream that yields no picture for so long is not waited for
 constexpr int mostIdleRounds = 250; // of landingPauseMs, with nothing left to decode
 constexpr double firstRetreat = 0.5; // seconds before the target; doubled with every further try
+constexpr double framesOfLead = 24.0; // wanted behind the target even where a key picture is nearer
 constexpr unsigned long landingPauseMs = 1;
 constexpr unsigned long endMarkerPauseMs = 1;
 
@@ -114,15 +117,18 @@ void MediaManager::seek()
     if (m_mediaSrc->seekRequested.load(std::memory_order_acquire)) {
         // One copy for the file and the clock: whatever is asked for meanwhile belongs to the next
         // seek.
-        runSeek(m_mediaSrc->seekTime.load(std::memory_order_relaxed));
+        runSeek(m_mediaSrc->seekTime.load(std::memory_order_relaxed),
+            m_mediaSrc->seekReach.load(std::memory_order_relaxed));
     }
     read();
 }
 
-void MediaManager::runSeek(double target)
+void MediaManager::runSeek(double target, double reach)
 {
+    m_mediaSrc->keptFrom.store(target - reach, std::memory_order_relaxed);
     discardAndFlush(target, true);
-    const int result = m_reader->seek(target);
+    const double lead = std::min(reach, framesOfLead / m_mediaSrc->frameRate);
+    const int result = m_reader->seek(target - lead);
     m_mediaSrc->seekRequested.store(false, std::memory_order_release);
     if (m_mediaSrc->abortRequested) {
         return; // of a file given up meanwhile

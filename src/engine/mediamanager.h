@@ -51,7 +51,7 @@ public Q_SLOTS:
 private:
     [[nodiscard]] bool isOpen() const;
     void letGo();
-    void runSeek(double target);
+    void runSeek(double target, double reach);
     void discardAndFlush(double target, bool judged);
     SeekLanding::Verdict awaitLanding();
     bool readWhileWaiting();
@@ -62,7 +62,7 @@ private:
 
     MediaSource* m_mediaSrc = nullptr; // not owned
     std::unique_ptr<MediaReader> m_reader; // one per file
-    bool m_endMarked = false; // both end markers are queued since the last seek
+    bool m_endMarked = false; // both end markers are queued since the last load or seek
     Error m_lastError = NoError;
     Status m_status = NoMedia;
 };

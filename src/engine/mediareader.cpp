@@ -62,6 +62,14 @@ double frameRateOf(const AVStream& stream)
         ratio(stream.avg_frame_rate.num != 0 ? stream.avg_frame_rate : stream.r_frame_rate));
 }
 
+// One of them is what the whole file comes to, the other the smallest step between pictures.
+bool hasConstantRate(const AVStream& stream)
+{
+    constexpr double tolerance = 0.0005; // of the rate; times can be rounded to milliseconds
+    const double average = ratio(stream.avg_frame_rate);
+    return average > 0.0 && std::abs(ratio(stream.r_frame_rate) - average) <= tolerance * average;
+}
+
 // Release 6.1 gave this data another place and has deprecated the old one since, so that no single
 // call does for all.
 const uint8_t* displayMatrixData(const AVStream& stream, size_t& size)
@@ -262,6 +270,7 @@ int MediaReader::openVideo(int index, AvPtr<AVCodecContext> codec)
     m_source->turn = turnOfStream(*stream);
     m_source->pixelAspect = pixelAspectOf(aspect.num, aspect.den);
     m_source->frameRate = frameRateOf(*stream);
+    m_source->hasConstantRate = hasConstantRate(*stream);
     m_source->videoCodec = std::move(codec);
     return 0;
 }

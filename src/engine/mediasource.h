@@ -12,6 +12,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <limits>
 #include <memory>
 
 struct AVStream;
@@ -28,6 +29,7 @@ class MediaSource {
 public:
     static constexpr int scratchSamples = 100000; // int16 values
     static constexpr double noPlayLimit = 999999.0; // seconds
+    static constexpr double nothingDecoded = -std::numeric_limits<double>::infinity();
 
     explicit MediaSource(QString filename);
     ~MediaSource();
@@ -90,6 +92,7 @@ public:
     PictureTurn turn; // what the file asks for: phones store upright films on their side
     double pixelAspect = 1.0; // width of a stored pixel by its height
     double frameRate = -1.0; // frames per second; 25 where the file names none
+    bool hasConstantRate = false; // both of the rates that the file names are the same
     double videoDelay =
         0.0; // seconds; 0, as pictures carry the time of the packet that released them
     double playableDuration = 0.0; // seconds; what duration() gives
@@ -100,6 +103,9 @@ public:
     std::atomic<bool> playing{ false }; // the clock advances only while true
     std::atomic<bool> seekRequested{ false }; // release: publishes seekTime; cleared by the demuxer
     std::atomic<double> seekTime{ 0.0 }; // seconds
+    // Seconds before seekTime whose pictures are wanted, too; published like it. 0: only those few
+    // that every seek keeps.
+    std::atomic<double> seekReach{ 0.0 };
     std::atomic<double> playUntil{ noPlayLimit }; // seconds; playing pauses by itself there
     std::atomic<bool> abortRequested{ false }; // every engine loop ends
     std::atomic<double> volume{ 1.0 }; // output gain
@@ -128,7 +134,14 @@ public:
     std::atomic<bool> readFailed{
         false
     }; // demuxer sets: reading broke off, no end marker will come
+    // Seconds, video thread: where the newest picture since the last load or seek ends, kept or
+    // not.
+    std::atomic<double> decodedTo{ nothingDecoded };
+    std::atomic<bool> decodesAll{ false }; // video thread sets: no picture may be skipped any more
     SeekLanding landing; // demuxer asks, video thread answers
+    // Seconds; demuxer sets, before the flush marker: pictures from there up to the landing's
+    // target are kept, however old they are.
+    std::atomic<double> keptFrom{ 0.0 };
 
     PlaybackClock clock;
     PacketQueue audioPackets;

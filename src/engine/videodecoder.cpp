@@ -5,6 +5,9 @@
 
 #include <QThread>
 
+#include <algorithm>
+#include <limits>
+
 extern "C" {
 #include <libavcodec/avcodec.h>
 #include <libavformat/avformat.h>
@@ -13,7 +16,8 @@ extern "C" {
 namespace {
 
 constexpr unsigned long fullCachePauseMs = 1;
-constexpr double framesBehindKept = 3.0; // an older picture is dropped unconverted
+constexpr double framesBehindKept =
+    3.0; // an older picture is dropped unconverted, if not asked for
 constexpr int mostErrorsInARow =
     100; // of one packet; a decoder that only fails must not hold the loop
 
@@ -21,7 +25,7 @@ FrameTimer::Stream timing(const MediaSource& source)
 {
     const AVRational base = source.videoStream->time_base;
     return { static_cast<double>(base.num) / base.den, source.frameRate, source.videoDelay,
-        source.videoCodec->codec_id == AV_CODEC_ID_VP6F };
+        source.videoCodec->codec_id == AV_CODEC_ID_VP6F, source.hasConstantRate };
 }
 
 } // namespace
@@ -67,6 +71,7 @@ int VideoDecoder::decodeNext()
 
 int VideoDecoder::decodePacket(const AVPacket& packet)
 {
+    skipWhatIsNotWanted(packet);
     const int result = avcodec_send_packet(m_source->videoCodec.get(), &packet);
     if (result == AVERROR_EOF) {
         return -1; // drained; only a flush makes it take packets again
@@ -77,12 +82,33 @@ int VideoDecoder::decodePacket(const AVPacket& packet)
     return result < 0 ? -1 : 0;
 }
 
+// A picture that no other one refers to need not be decoded where it would be dropped.
+void VideoDecoder::skipWhatIsNotWanted(const AVPacket& packet)
+{
+    AVCodecContext& codec = *m_source->videoCodec;
+    const bool isSafe = codec.codec_id == AV_CODEC_ID_H264 || codec.codec_id == AV_CODEC_ID_HEVC;
+    codec.skip_frame = AVDISCARD_DEFAULT;
+    if (!isSafe || !m_timer.isRegular() || packet.pts == AV_NOPTS_VALUE || m_judgesLanding
+        || m_source->decodesAll) {
+        return;
+    }
+    const double time = m_timer.timeOfOwn(packet.pts);
+    if (!isWanted(time)) {
+        codec.skip_frame = AVDISCARD_NONREF;
+        m_newestSkippedTime = std::max(m_newestSkippedTime, time);
+        m_gap = true;
+    }
+}
+
 int VideoDecoder::drain()
 {
     // An error is that of a picture still in the decoder, and good ones may lie behind it.
     static_cast<void>(avcodec_send_packet(m_source->videoCodec.get(), nullptr));
     receivePictures();
+    m_hasSkippedLast = m_newestDropped->buf[0] && m_newestSkippedTime > m_newestDroppedTime;
+    m_source->decodesAll = m_source->decodesAll || m_hasSkippedLast;
     storeNewestDropped();
+    m_source->decodedTo = std::numeric_limits<double>::infinity();
     m_source->videoFrames.setEndTime(m_source->containerDuration);
     if (m_judgesLanding) {
         m_judgesLanding = false;
@@ -95,9 +121,12 @@ void VideoDecoder::flush(const AVPacket& marker)
 {
     m_source->stopDiscarding(m_source->videoFrames.discarding, marker.pts);
     m_timer.flush();
+    m_source->decodedTo = MediaSource::nothingDecoded;
     avcodec_flush_buffers(m_source->videoCodec.get());
     av_frame_unref(m_newestDropped.get());
     m_gap = false;
+    m_newestSkippedTime = 0.0;
+    m_hasSkippedLast = false;
     m_landingSerial = marker.pts;
     m_judgesLanding = m_source->landing.isAsked(m_landingSerial);
     m_skipsToFlush = false;
@@ -133,11 +162,19 @@ void VideoDecoder::handlePicture()
     if (!passesLanding(time)) {
         return;
     }
-    if (framesBehindKept / m_source->frameRate + time >= m_source->clockTime(false)) {
+    m_source->decodedTo = time + 1.0 / m_source->frameRate; // before it can be dropped
+    if (isWanted(time)) {
         convertAndStore(*m_frame, time);
     } else {
         drop(time);
     }
+}
+
+bool VideoDecoder::isWanted(double time) const
+{
+    const bool isRecent =
+        framesBehindKept / m_source->frameRate + time >= m_source->clockTime(false);
+    return isRecent || (time >= m_source->keptFrom && time <= m_source->landing.target());
 }
 
 // The span in the cache must have no holes: what follows a dropped picture starts a new one.

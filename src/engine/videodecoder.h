@@ -24,6 +24,10 @@ public:
     /// endOfStream after the last picture.
     [[nodiscard]] int decodeNext();
 
+    /// True when the stream has ended on a picture that was skipped: it has to be decoded again,
+    /// now without skipping.
+    [[nodiscard]] bool hasSkippedLast() const { return m_hasSkippedLast; }
+
     /// False until the first picture has come out.
     [[nodiscard]] bool hasPicture() const { return m_timer.hasStart(); }
 
@@ -34,6 +38,8 @@ private:
     void receivePictures();
     void handlePicture();
     [[nodiscard]] bool passesLanding(double time);
+    [[nodiscard]] bool isWanted(double time) const;
+    void skipWhatIsNotWanted(const AVPacket& packet);
     void drop(double time);
     void storeNewestDropped();
     void convertAndStore(const AVFrame& frame, double time);
@@ -43,9 +49,11 @@ private:
     const AvPtr<AVFrame> m_frame;
     const AvPtr<AVFrame> m_newestDropped; // since the last picture stored, else empty
     double m_newestDroppedTime = 0.0; // seconds
+    double m_newestSkippedTime = 0.0; // seconds; since the last flush, 0 for none
     bool m_gap = false; // a picture is missing behind the newest one stored
     FrameTimer m_timer;
     RgbConverter m_converter;
+    bool m_hasSkippedLast = false;
     bool m_initialized = false;
     bool m_judgesLanding = false; // the next picture answers where the seek went
     bool m_skipsToFlush = false; // the seek landed late: nothing counts until the next one

@@ -73,6 +73,9 @@ void VideoManager::startDecoding()
     while (!m_mediaSource->abortRequested) {
         if (m_decoder->decodeNext() == VideoDecoder::endOfStream) {
             setStatus(EndOfStream);
+            if (m_decoder->hasSkippedLast()) {
+                Q_EMIT lastPictureSkipped();
+            }
         }
         reportReach();
     }

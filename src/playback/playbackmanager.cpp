@@ -14,6 +14,7 @@ constexpr int pictureIntervalMs = 1;
 constexpr double endGuardSeconds = 0.0001; // the play head rests this far before the end
 constexpr double fullVolumePercent = 100.0;
 constexpr int64_t bytesPerPixel = 3;
+constexpr double framesWaitedFor = 12.0; // beyond what is decoded; a seek decodes about as many
 
 // Before, the decoders may not have begun; after, they have been told to let go.
 bool canBePositioned(PlaybackManager::Status status)
@@ -43,7 +44,13 @@ PlaybackManager::PlaybackManager(QObject* parent)
     wireVideo();
     m_engine.startVideo();
     connect(&m_playbackTimer, &QTimer::timeout, this, &PlaybackManager::updatePlaybackTime);
-    connect(&m_pictureTimer, &QTimer::timeout, this, [this] { updateVideoFrame(false); });
+    connect(&m_pictureTimer, &QTimer::timeout, this, [this] {
+        if (m_status == Loading) {
+            showFirstPicture();
+        } else {
+            updateVideoFrame(false);
+        }
+    });
 }
 
 PlaybackManager::~PlaybackManager()
@@ -91,6 +98,7 @@ void PlaybackManager::createSource(const QString& filename)
     m_pendingFilename.clear();
     m_audioScrubDuration = 0.0;
     m_positionedAt = 0.0;
+    m_comingTo = nothingComing;
     m_unload = {};
     m_mediaSource = std::make_unique<MediaSource>(filename);
     setStatus(Loading);
@@ -246,12 +254,12 @@ void PlaybackManager::advancePlayHead(bool pastEndHandled)
 
 void PlaybackManager::updateVideoFrame(bool refresh)
 {
-    if (!m_mediaSource || m_status == Loading || m_status == Unloading) {
+    if (!m_mediaSource || m_status == Unloading) {
         return;
     }
-    if (m_seekRunning) {
+    if (m_seekRunning || m_status == Loading) {
         if (refresh) {
-            m_presenter.forget(); // what the seek brings is painted in any case
+            m_presenter.forget(); // what comes is painted in any case
         }
         return;
     }
@@ -269,12 +277,20 @@ void PlaybackManager::updateVideoFrame(bool refresh)
     }
 }
 
+// As soon as it is decoded; the file is ready only some pictures later.
+void PlaybackManager::showFirstPicture()
+{
+    if (m_presenter.show(*m_mediaSource, false, {}) == FramePresenter::Result::Shown) {
+        m_pictureTimer.stop();
+    }
+}
+
 void PlaybackManager::clearVideoFrame()
 {
     m_presenter.clear();
 }
 
-void PlaybackManager::seek(bool clearCache, double time, double audioScrubDuration)
+void PlaybackManager::seek(bool clearCache, double time, double audioScrubDuration, Reach reach)
 {
     if (!m_mediaSource || m_state == Stopped || !canBePositioned(m_status)) {
         return;
@@ -292,6 +308,8 @@ void PlaybackManager::seek(bool clearCache, double time, double audioScrubDurati
     source.audioResyncRequested = true;
     if (m_seekRunning) {
         m_pendingSeekTime = target;
+        m_pendingReach = reach;
+        m_pendingClearsCache = clearCache;
     } else if (!clearCache && source.picturesPaceSound() && source.videoFrames.contains(target)) {
         source.resetClock(target);
         updatePlaybackTime();
@@ -299,22 +317,47 @@ void PlaybackManager::seek(bool clearCache, double time, double audioScrubDurati
             return;
         }
         if (source.cachedStartTime() > target) {
-            issueSeek(target); // the decoder has just evicted it
+            issueSeek(target, reach); // the decoder has just evicted it
         } else {
             requestAudioSlice();
         }
+    } else if (!clearCache && isComing(target)) {
+        source.resetClock(target);
+        updatePlaybackTime();
     } else {
-        issueSeek(target);
+        issueSeek(target, reach);
     }
 }
 
-void PlaybackManager::issueSeek(double time)
+// Outside the cache, but the decoder is on its way there: a seek would begin anew. What the last
+// seek keeps may be asked for in any order; further on, only forward, as pictures far behind the
+// clock are not kept.
+bool PlaybackManager::isComing(double time) const
 {
+    const MediaSource& source = *m_mediaSource;
+    if (!source.picturesPaceSound() || source.readFailed) {
+        return false;
+    }
+    const double reached = source.decodedTo;
+    if (time >= m_comingFrom && time <= m_comingTo) {
+        return reached < m_comingTo;
+    }
+    const double furthest = std::max(reached, m_comingTo) + framesWaitedFor * frameDuration();
+    return time >= source.clock.time() && time >= reached && time <= furthest;
+}
+
+void PlaybackManager::issueSeek(double time, Reach reach)
+{
+    const int framesKept = reach == Reach::Backward ? m_mediaSource->videoFrames.trailing() - 1 : 0;
+    const double seconds = std::max(framesKept, 0) * frameDuration();
+    m_comingFrom = time - seconds;
+    m_comingTo = time;
     m_pendingSeekTime = -1.0;
     m_pictureTimer.stop();
     m_seekRunning = true;
     m_engineStatus.media = MediaManager::Reading; // an earlier seek's answer is not this one's
     m_mediaSource->seekTime = time;
+    m_mediaSource->seekReach = seconds;
     m_mediaSource->seekRequested.store(true, std::memory_order_release);
     setStatus(Seeking);
     if (m_seekRunning) { // unless whoever heard the status has stopped meanwhile
@@ -442,5 +485,6 @@ void PlaybackManager::resizeCache()
     MediaSource& source = *m_mediaSource;
     const int64_t frameBytes = bytesPerPixel * source.videoWidth() * source.videoHeight();
     source.videoFrames.setCacheSize(m_cacheSize, frameBytes, m_trailingCachePct);
+    m_comingTo = nothingComing;
     m_cacheResized = false;
 }

@@ -41,14 +41,18 @@ public:
     };
     Q_ENUM(Status)
 
+    /// What a seek decodes: its target, or also much of what lies behind it.
+    enum class Reach { Target, Backward };
+
     explicit PlaybackManager(QObject* parent = nullptr);
     ~PlaybackManager() override;
 
     /// Moves the play head to `time` seconds; a negative time counts as 0. Playing pauses. Inside
     /// the cache the frame is shown at once, unless `clearCache`; else the demuxer seeks, and while
     /// it does only the newest target is kept. `audioScrubDuration` seconds of sound are played at
-    /// the new position. Nothing happens while stopped.
-    void seek(bool clearCache, double time, double audioScrubDuration);
+    /// the new position. With `Reach::Backward` a seek keeps as much behind its target as the cache
+    /// has place for, as more of that is about to be asked for. Nothing happens while stopped.
+    void seek(bool clearCache, double time, double audioScrubDuration, Reach reach = Reach::Target);
 
     [[nodiscard]] State state() const { return m_state; }
     [[nodiscard]] Status status() const { return m_status; }
@@ -177,6 +181,7 @@ private:
     void wireVideo();
     void createSource(const QString& filename);
     void unload();
+    void showFirstPicture();
     void handleEngineStatus();
     void handleLoading();
     void handleUnloading();
@@ -184,8 +189,9 @@ private:
     void handleSeeked();
     void completeLoad();
     void finishUnload();
-    void issueSeek(double time);
+    void issueSeek(double time, Reach reach);
     void endSeek();
+    [[nodiscard]] bool isComing(double time) const;
     void advancePlayHead(bool pastEndHandled);
     bool isHeld();
     bool isPictureAwaited();
@@ -212,6 +218,12 @@ private:
     bool m_cacheResized = false; // the two before are still to be applied to the open file
     bool m_seekRunning = false; // from its emission until its own answer
     double m_pendingSeekTime = -1.0; // seconds; asked for while a seek ran; negative: none
+    Reach m_pendingReach = Reach::Target;
+    bool m_pendingClearsCache = false;
+    // Seconds; the last seek keeps every picture from the one to the other.
+    static constexpr double nothingComing = MediaSource::nothingDecoded;
+    double m_comingFrom = 0.0;
+    double m_comingTo = nothingComing;
     QString m_pendingFilename; // opened once the current file is unloaded
     double m_audioScrubDuration = 0.0; // seconds
     double m_positionedAt = 0.0; // seconds; newest target of a positioning

@@ -4,6 +4,9 @@
 #include "playbackerrors.h"
 #include "playbackmanager.h"
 
+#include <algorithm>
+#include <utility>
+
 void PlaybackManager::wireMedia()
 {
     MediaManager* media = &m_engine.media();
@@ -38,6 +41,11 @@ void PlaybackManager::wireVideo()
     connect(this, &PlaybackManager::unloadAudioVideo, video, &VideoManager::stopDecoding);
     connect(video, &VideoManager::error, this, &PlaybackManager::onVideoError);
     connect(video, &VideoManager::statusChanged, this, &PlaybackManager::onVideoStatusUpdate);
+    connect(video, &VideoManager::lastPictureSkipped, this, [this] {
+        if (m_mediaSource && m_status == Ready && !m_seekRunning) {
+            issueSeek(playbackTime(), Reach::Target);
+        }
+    });
     connect(video, &VideoManager::released, this, [this] {
         m_unload.videoReleased = true;
         handleEngineStatus();
@@ -87,6 +95,7 @@ void PlaybackManager::handleLoading()
     case LoadStep::StartDecoders:
         resizeCache();
         applyVolume();
+        m_pictureTimer.start();
         Q_EMIT mediaSourceLoaded(m_mediaSource.get());
         return;
     case LoadStep::Complete:
@@ -151,9 +160,12 @@ void PlaybackManager::handleSeeked()
 void PlaybackManager::endSeek()
 {
     m_seekRunning = false;
-    if (m_pendingSeekTime >= 0.0) {
-        issueSeek(m_pendingSeekTime);
+    if (m_pendingSeekTime >= 0.0 && (m_pendingClearsCache || !isComing(m_pendingSeekTime))) {
+        issueSeek(m_pendingSeekTime, m_pendingReach);
         return;
+    }
+    if (const double pending = std::exchange(m_pendingSeekTime, -1.0); pending >= 0.0) {
+        m_mediaSource->resetClock(pending);
     }
     const unsigned revision = m_revision;
     setStatus(Ready);
@@ -203,6 +215,7 @@ void PlaybackManager::onMediaError(MediaManager::Error mediaError)
     if (openFailed && m_revision == revision) {
         unload();
     } else if (mediaError == MediaManager::SeekError && m_seekRunning && m_status == Seeking) {
+        m_comingTo = nothingComing;
         endSeek();
         if (m_status == Ready && !m_seekRunning) {
             updatePlaybackTime(); // the old time stands again

@@ -17,6 +17,8 @@ namespace {
 constexpr double untilTheEnd = -1.0;
 constexpr int notGiven = -1;
 constexpr int noFrame = -1;
+// Frames; further back is a jump, after which what lies behind may never be asked for.
+constexpr int longestBackwardStep = 24;
 // The last frame before a jump back stays on the screen for two fifths of its time.
 constexpr double lastFrameShareUs = 400000.0; // of a frame's duration in seconds
 constexpr double longestLastFrameUs = 200000.0;
@@ -71,7 +73,10 @@ void Transport::goTo(int frame, FrameRequest request)
             target = 1; // of the media, not of the range
         }
     }
-    m_manager.seek(request.clearCache, m_clock.timeOf(target), scrubSeconds);
+    const int back = currentFrame() - target;
+    const bool stepsBack = request.audioScrub && back > 0 && back <= longestBackwardStep;
+    m_manager.seek(request.clearCache, m_clock.timeOf(target), scrubSeconds,
+        stepsBack ? PlaybackManager::Reach::Backward : PlaybackManager::Reach::Target);
     startIfReady();
 }
 

@@ -25,10 +25,20 @@ private Q_SLOTS:
         QTest::addColumn<QString>("steps");
         QTest::addColumn<int>("delay"); // frames
         QTest::addColumn<bool>("ignoresDecodeTimes");
+        QTest::addColumn<bool>("hasConstantRate");
         const auto row = [](const char* name, const char* steps, int delay = 0,
-                             bool ignores = false) {
-            QTest::newRow(name) << steps << delay << ignores;
+                             bool ignores = false, bool constant = false) {
+            QTest::newRow(name) << steps << delay << ignores << constant;
         };
+        const auto agreeing = [](int from, int to) {
+            QByteArray text;
+            for (int i = from; i <= to; ++i) {
+                text += QString(" >%1 %1@%1=%1").arg(i).toUtf8();
+            }
+            return text;
+        };
+        // Where pictures are reordered the first one is released early.
+        const QByteArray early = ">-1 -1@0=-1";
         row("a late start is 0", ">12 12=0 >13 13=1");
         row("a start before 0 stays", ">-2 -2=-2 >-1 -1=-1");
         row("repeated fields", ">- -+1=0? >- -+2=1.5? >- -=3.5?");
@@ -43,6 +53,15 @@ private Q_SLOTS:
         row("a seek before the first picture", "flush >50 50=50 >51 51=51");
         row("a seek forgets what was sent", ">0 0=0 >8 >- flush >20 >- -=20?");
         row("a last group without decode times", ">0 0=0 flush -@97=97 -@98=98?");
+        const auto regularRow = [&](const char* name, const QByteArray& steps,
+                                    bool constant = true) {
+            row(name, early + steps, 0, false, constant);
+        };
+        regularRow("own times count", agreeing(1, 31) + " >40 40@41=41 flush >- >52 52@50=50");
+        regularRow("not yet", agreeing(1, 30) + " flush >40 40@41=40");
+        regularRow("not at a rate that changes", agreeing(1, 31) + " >40 40@41=40", false);
+        regularRow("not where one differs",
+            agreeing(1, 9) + " >10 10@11=10" + agreeing(11, 50) + " >60 60@61=60");
         row("own time beside decode times", ">0 0=0 flush >90 >91 -@95=91?");
     }
     void rules()
@@ -50,8 +69,9 @@ private Q_SLOTS:
         QFETCH(const QString, steps);
         QFETCH(const int, delay);
         QFETCH(const bool, ignoresDecodeTimes);
-        FrameTimer timer(
-            { frameDuration, 1.0 / frameDuration, delay * frameDuration, ignoresDecodeTimes });
+        QFETCH(const bool, hasConstantRate);
+        FrameTimer timer({ frameDuration, 1.0 / frameDuration, delay * frameDuration,
+            ignoresDecodeTimes, hasConstantRate });
         const QRegularExpression picture(R"(^(-|-?\d+)(@\d+)?(\+\d)?=(-?[\d.]+)(\??)$)");
         const auto ticks = [](const QString& text) {
             bool isNumber = false;

@@ -34,9 +34,9 @@ bool PlaybackRig::open(const QString& name)
     return request(name) && QTest::qWaitFor(isOpen, patienceMs);
 }
 
-void PlaybackRig::goTo(int frame, bool clearCache)
+void PlaybackRig::goTo(int frame, bool clearCache, PlaybackManager::Reach reach)
 {
-    manager.seek(clearCache, (frame - 1) * manager.frameDuration() + 0.0001, 0.0);
+    manager.seek(clearCache, (frame - 1) * manager.frameDuration() + 0.0001, 0.0, reach);
 }
 
 int PlaybackRig::shown() const

@@ -16,7 +16,8 @@ public:
     bool open(const QString& name);
 
     /// Asks for a frame, from 1 on, the way the window does.
-    void goTo(int frame, bool clearCache = false);
+    void goTo(int frame, bool clearCache = false,
+        PlaybackManager::Reach reach = PlaybackManager::Reach::Target);
 
     /// The frame on show, -1 where the view shows none.
     [[nodiscard]] int shown() const;

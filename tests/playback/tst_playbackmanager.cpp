@@ -158,6 +158,36 @@ private Q_SLOTS:
         QVERIFY(!shown.isEmpty() && *std::min_element(shown.begin(), shown.end()) >= 240);
     }
 
+    void everyFile_isDecodedToItsEnd()
+    {
+        PlaybackRig rig;
+        for (const char* name : { "mpeg4.avi", "hevc.mp4" }) {
+            QVERIFY(rig.open(name));
+            QTRY_COMPARE(rig.manager.cachedFrameCount(), clip(name).frameCount);
+        }
+    }
+
+    // One decode serves many steps back; asked for while it still runs, none starts it anew.
+    void stepsBackOutsideTheCache_shareOneSeek()
+    {
+        PlaybackRig rig;
+        QVERIFY(rig.open("longgop.mp4"));
+        QCOMPARE(rig.visit(230, true), 230);
+        QSignalSpy seeks(&rig.manager, &Manager::seekRequested);
+        for (int frame = 220; frame >= 190; --frame) {
+            rig.goTo(frame, false, Manager::Reach::Backward);
+            if (frame % 5 == 0) {
+                QCOMPARE(rig.settledOn(frame), frame);
+            }
+        }
+        QCOMPARE(seeks.count(), 1);
+        rig.goTo(236, true);
+        rig.goTo(239, false); // further on, while the first is on its way
+        QCOMPARE(rig.settledOn(239), 239);
+        rig.goTo(237, false); // not kept, perhaps
+        QCOMPARE(rig.settledOn(237), 237);
+    }
+
     void requestsAtTheWrongTime_doNothing()
     {
         PlaybackRig rig;
