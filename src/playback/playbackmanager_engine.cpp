@@ -233,6 +233,10 @@ void PlaybackManager::onAudioError(AudioManager::Error audioError)
 
 void PlaybackManager::onVideoError(VideoManager::Error videoError)
 {
+    const unsigned revision = m_revision;
     const PlaybackError described = describe(videoError);
     raise(described.code, described.text);
+    if (m_status == Loading && m_revision == revision) {
+        unload(); // the decoder will not be heard of again, so loading would have no end
+    }
 }

@@ -34,6 +34,9 @@ private Q_SLOTS:
         absurd.replace(absurd.indexOf("tkhd") + 80, 8, QByteArray(8, '\xff'));
         QTest::newRow("absurd sizes") << "absurd.mp4" << absurd;
 
+        QTest::newRow("pixels that nobody can convert")
+            << "pixels.avi" << contentOf("raw.avi").replace("I420", "Y411");
+
         for (int tenth = 1; tenth <= 10; ++tenth) {
             const QString name = tenth % 2 == 0 ? "opengop.mkv" : "mpeg2.mpg";
             const QByteArray whole = contentOf(name);
