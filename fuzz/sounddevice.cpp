@@ -13,12 +13,14 @@ namespace {
 
 constexpr int mostChannels = 2;
 constexpr double highestRate = 384000.0; // Hz
+constexpr double unstartableRate = 11025.0; // Hz; opening succeeds at it, but starting fails
 constexpr unsigned long blockFrames = 480;
 constexpr std::chrono::milliseconds blockPause(1);
 
 struct Stream {
     PaStreamCallback* fill;
     void* user;
+    bool starts = true;
     std::vector<int16_t> block; // of this very size, so that a write behind it is seen
     std::atomic<bool> running{ false };
     std::thread thread;
@@ -75,6 +77,7 @@ PaError Pa_OpenStream(PaStream** stream, const PaStreamParameters*,
     openStream = std::make_unique<Stream>();
     openStream->fill = fill;
     openStream->user = user;
+    openStream->starts = rate != unstartableRate;
     openStream->block.resize(blockFrames * static_cast<size_t>(output->channelCount));
     *stream = openStream.get();
     return paNoError;
@@ -82,6 +85,9 @@ PaError Pa_OpenStream(PaStream** stream, const PaStreamParameters*,
 
 PaError Pa_StartStream(PaStream*)
 {
+    if (!openStream->starts) {
+        return paUnanticipatedHostError;
+    }
     openStream->running = true;
     openStream->thread = std::thread([] { openStream->run(); });
     return paNoError;

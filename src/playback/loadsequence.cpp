@@ -5,11 +5,16 @@ bool EngineStatus::decodersIdle() const
     return audio == AudioManager::Idle && video == VideoManager::Idle;
 }
 
+bool EngineStatus::soundBegun() const
+{
+    return audio == AudioManager::Streaming || (audio == AudioManager::Decoding && soundFailed);
+}
+
 bool EngineStatus::readyAtPlayHead() const
 {
     const bool pictures = video >= VideoManager::Ready;
     return (audio == AudioManager::NoAudio && pictures)
-        || (audio == AudioManager::Streaming && (pictures || video == VideoManager::NoVideo));
+        || (soundBegun() && (pictures || video == VideoManager::NoVideo));
 }
 
 LoadStep nextLoadStep(const EngineStatus& engine)
@@ -20,7 +25,7 @@ LoadStep nextLoadStep(const EngineStatus& engine)
     const bool pictures = engine.video == VideoManager::Ready;
     const bool noPictures = engine.video == VideoManager::NoVideo;
     if ((engine.audio == AudioManager::NoAudio && pictures)
-        || (engine.audio == AudioManager::Streaming && (pictures || noPictures))) {
+        || (engine.soundBegun() && (pictures || noPictures))) {
         return LoadStep::Complete;
     }
     return engine.audio == AudioManager::NoAudio && noPictures ? LoadStep::NoStreams

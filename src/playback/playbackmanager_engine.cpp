@@ -193,6 +193,7 @@ void PlaybackManager::finishUnload()
     m_mediaSource.reset();
     m_engineStatus.media = MediaManager::Status{};
     m_engineStatus.audio = AudioManager::Idle;
+    m_engineStatus.soundFailed = false;
     setStatus(NoMedia);
     if (m_status != NoMedia) {
         return;
@@ -229,6 +230,10 @@ void PlaybackManager::onAudioError(AudioManager::Error audioError)
         m_mediaSource ? audioErrorDetail(m_mediaSource->audioErrorCode.exchange(0)) : QString();
     const PlaybackError described = describe(audioError, detail);
     raise(described.code, described.text);
+    if (audioError == AudioManager::StartStreamError) {
+        m_engineStatus.soundFailed = true;
+        handleEngineStatus();
+    }
 }
 
 void PlaybackManager::onVideoError(VideoManager::Error videoError)
