@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace {
 constexpr double gridTolerance =
@@ -59,15 +60,18 @@ double FrameTimer::timeOfOwn(int64_t ticks) const
 
 void FrameTimer::compare(const Picture& picture, double time)
 {
-    m_comparing = m_comparing && picture.ownTime != noTime && !m_guessed;
-    if (!m_comparing) {
+    if (!m_comparing || std::exchange(m_firstOfRun, false)) {
+        return; // the first one can be released early
+    }
+    if (picture.ownTime == noTime || m_guessed) {
+        m_comparing = false;
         return;
     }
-    if (m_agreeing <= 1) { // the first one can be released early
+    if (m_agreeing == 0) {
         m_ownStart = static_cast<double>(picture.ownTime) * m_stream.timeBase - time;
     }
     constexpr double sameTime = 1e-6; // seconds; far less than a tick
-    m_comparing = std::abs(timeOfOwn(picture.ownTime) - time) < sameTime && !isRegular();
+    m_comparing = std::abs(timeOfOwn(picture.ownTime) - time) < sameTime;
     m_agreeing += m_comparing ? 1 : 0;
 }
 
@@ -107,7 +111,7 @@ void FrameTimer::flush()
     m_sent.clear();
     m_predictedTime = 0.0;
     m_decodeTimeMet = false;
-    m_comparing = false;
+    m_firstOfRun = true;
     // A picture met only after a seek says nothing of where the file starts.
     m_firstTimeSeen = true;
 }

@@ -8,8 +8,8 @@
 /// released without one comes one frame after the picture before. The result is the same however
 /// many threads decode.
 ///
-/// At a constant rate, and once many pictures in a row from the file's start had the time they name
-/// themselves, that one counts from then on: it says the same, and packets may be skipped.
+/// At a constant rate, and once many pictures and all so far had the time they name themselves,
+/// that one counts from then on: it says the same, and packets may be skipped.
 ///
 /// Times are in seconds on the playback clock's scale: the first picture of a file that starts late
 /// is at 0.
@@ -77,7 +77,8 @@ private:
     bool m_firstTimeSeen = false;
     bool m_guessed = false;
     bool m_decodeTimeMet = false; // since the last flush
-    bool m_comparing = false; // until the first flush, or a picture's own time is another
-    int m_agreeing = 0; // pictures from the start whose own time is that of their release
+    bool m_comparing = false; // until a picture's own time is another than its release
+    bool m_firstOfRun = true; // no picture has come out since the start or the last flush
+    int m_agreeing = 0; // pictures whose own time is that of their release
     double m_ownStart = 0.0; // raw own time of a picture at 0
 };

@@ -57,9 +57,11 @@ private Q_SLOTS:
                                     bool constant = true) {
             row(name, early + steps, 0, false, constant);
         };
-        regularRow("own times count", agreeing(1, 31) + " >40 40@41=41 flush >- >52 52@50=50");
-        regularRow("not yet", agreeing(1, 30) + " flush >40 40@41=40");
-        regularRow("not at a rate that changes", agreeing(1, 31) + " >40 40@41=40", false);
+        regularRow("own times count", agreeing(1, 32) + " >40 40@41=41 flush >- >52 52@50=50");
+        regularRow("also across a seek",
+            agreeing(1, 20) + " flush >49 49@50=49" + agreeing(51, 62) + " >70 70@71=71");
+        regularRow("not yet", agreeing(1, 31) + " >40 40@41=40");
+        regularRow("not at a rate that changes", agreeing(1, 32) + " >40 40@41=40", false);
         regularRow("not where one differs",
             agreeing(1, 9) + " >10 10@11=10" + agreeing(11, 50) + " >60 60@61=60");
         row("own time beside decode times", ">0 0=0 flush >90 >91 -@95=91?");
