@@ -10,3 +10,5 @@ void registerDecoding();
 void registerInteraction();
 void registerIdling();
 void registerHeldKey();
+void registerComparison();
+void registerPlaying();

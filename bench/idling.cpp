@@ -1,14 +1,16 @@
 #include "benchmarks.h"
+#include "processfigures.h"
 #include "rig.h"
 #include "videoframecache.h"
 
 #include <QElapsedTimer>
-#include <QFile>
 #include <QProcess>
 #include <QThread>
 
 #include <benchmark/benchmark.h>
-#include <unistd.h>
+
+using processfigures::processorSeconds;
+using processfigures::residentBytes;
 
 namespace {
 
@@ -19,25 +21,6 @@ constexpr qint64 idleMs = 2000; // with a full cache, before anything is measure
 constexpr qint64 patienceMs = 30000;
 constexpr unsigned long pollMs = 50;
 constexpr double bytesPerMegabyte = 1e6;
-
-QList<QByteArray> words(qint64 pid, const char* file)
-{
-    QFile source(QStringLiteral("/proc/%1/%2").arg(pid).arg(QLatin1String(file)));
-    return source.open(QIODevice::ReadOnly) ? source.readAll().split(' ') : QList<QByteArray>();
-}
-
-double residentBytes(qint64 pid)
-{
-    return words(pid, "statm").value(1).toDouble() * static_cast<double>(sysconf(_SC_PAGESIZE));
-}
-
-// Seconds of all the process's threads, those that have ended included.
-double processorSeconds(qint64 pid)
-{
-    const QList<QByteArray> fields = words(pid, "stat"); // the program's name has no spaces
-    return (fields.value(13).toDouble() + fields.value(14).toDouble())
-        / static_cast<double>(sysconf(_SC_CLK_TCK));
-}
 
 double cacheBudget()
 {
@@ -74,7 +57,7 @@ void idle(benchmark::State& state)
     QProcess player;
     player.setStandardOutputFile(QProcess::nullDevice());
     player.setStandardErrorFile(QProcess::nullDevice());
-    player.start(QStringLiteral(PLAYER_PROGRAM), { QString::fromStdString(clipPath(clip)) });
+    player.start(QStringLiteral(VANTOR_PROGRAM), { QString::fromStdString(clipPath(clip)) });
     if (!player.waitForStarted() || !awaitIdle(player)) {
         state.SkipWithError("the player does not come to rest with a full cache");
         player.kill();

@@ -17,6 +17,8 @@ int main(int argc, char* argv[])
     registerInteraction();
     registerIdling();
     registerHeldKey();
+    registerComparison();
+    registerPlaying();
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
         return 2;

@@ -17,6 +17,9 @@ constexpr std::array aims{
     Aim{ "processor, % of a core", false, 5.0 },
     Aim{ "memory over the cache, MB", false, 120.0 },
     Aim{ "title at rest, ms, p99", false, 50.0 },
+    Aim{ "Ratio to mpv", false, 1.0 },
+    Aim{ "Ratio to mpv, inside the cache", false, 0.2 },
+    Aim{ "Ratio to mpv, held back", false, 0.1 },
 };
 
 constexpr int nameWidth = 24;
