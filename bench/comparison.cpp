@@ -179,7 +179,7 @@ void add(const std::string& what, Time time, const Film& film, const std::string
 
 void registerComparison()
 {
-    for (const Film& film : { smallFilm, ordinaryFilm, largeFilm }) {
+    for (const Film& film : { smallFilm, ordinaryFilm }) {
         add("launch", timeLaunches, film);
         add("open", timeOpens, film);
         add("step forward", timeForwardSteps, film, ", inside the cache");

@@ -87,12 +87,12 @@ public:
     int bytesPerSample = 0;
     int sampleRate = 0; // Hz
     bool isCover = false; // the only picture is a cover, on show all the time
+    bool hasConstantRate = false; // both of the rates that the file names are the same
     int width = -1; // pixels
     int height = -1; // pixels
     PictureTurn turn; // what the file asks for: phones store upright films on their side
     double pixelAspect = 1.0; // width of a stored pixel by its height
     double frameRate = -1.0; // frames per second; 25 where the file names none
-    bool hasConstantRate = false; // both of the rates that the file names are the same
     double videoDelay =
         0.0; // seconds; 0, as pictures carry the time of the packet that released them
     double playableDuration = 0.0; // seconds; what duration() gives
@@ -134,14 +134,14 @@ public:
     std::atomic<bool> readFailed{
         false
     }; // demuxer sets: reading broke off, no end marker will come
-    // Seconds, video thread: where the newest picture since the last load or seek ends, kept or
-    // not.
-    std::atomic<double> decodedTo{ nothingDecoded };
     std::atomic<bool> decodesAll{ false }; // video thread sets: no picture may be skipped any more
     SeekLanding landing; // demuxer asks, video thread answers
     // Seconds; demuxer sets, before the flush marker: pictures from there up to the landing's
     // target are kept, however old they are.
     std::atomic<double> keptFrom{ 0.0 };
+    // Seconds, video thread: where the newest picture since the last load or seek ends, kept or
+    // not.
+    std::atomic<double> decodedTo{ nothingDecoded };
 
     PlaybackClock clock;
     PacketQueue audioPackets;

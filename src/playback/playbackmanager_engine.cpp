@@ -4,7 +4,10 @@
 #include "playbackerrors.h"
 #include "playbackmanager.h"
 
+#include <QThreadPool>
+
 #include <algorithm>
+#include <memory>
 #include <utility>
 
 void PlaybackManager::wireMedia()
@@ -190,7 +193,9 @@ void PlaybackManager::handleUnloading()
 void PlaybackManager::finishUnload()
 {
     ++m_revision;
-    m_mediaSource.reset();
+    // To give back the pages of a full cache takes long enough to be felt.
+    QThreadPool::globalInstance()->start(
+        [source = std::shared_ptr<MediaSource>(std::move(m_mediaSource))] {});
     m_engineStatus.media = MediaManager::Status{};
     m_engineStatus.audio = AudioManager::Idle;
     m_engineStatus.soundFailed = false;
