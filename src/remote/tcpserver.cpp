@@ -17,6 +17,18 @@ constexpr int turnMs = 5; // of lines, before the window has its turn
 constexpr int pauseMs = 1; // between two turns
 constexpr qint64 unreadBytes = 16384; // held for each connection; more stays with its sender
 constexpr size_t mostRests = 64; // of clients that are no longer served
+constexpr int drainMs = 10; // between two bufferfuls of such a client
+
+// A socket with a full buffer does not hear that its client has gone, and would stay for good. So
+// what comes is thrown away, slowly, as a flood shall not keep the window busy.
+void drain(QTcpSocket* socket)
+{
+    const auto drainLater = [socket] {
+        QTimer::singleShot(drainMs, socket, [socket] { static_cast<void>(socket->readAll()); });
+    };
+    QObject::connect(socket, &QTcpSocket::readyRead, socket, drainLater);
+    drainLater();
+}
 
 } // namespace
 
@@ -85,7 +97,11 @@ void TcpServer::readData()
 void TcpServer::setAside()
 {
     Client client = std::exchange(m_client, {});
-    if (!client.socket || m_earlier.size() >= mostRests
+    if (!client.socket) {
+        return;
+    }
+    drain(client.socket);
+    if (m_earlier.size() >= mostRests
         || client.socket->bytesAvailable() + client.reader.pendingBytes() == 0) {
         return;
     }

@@ -60,13 +60,15 @@ private Q_SLOTS:
         first->write("frame 1\n" + QByteArray(1'000'000, 'x'));
         second->write("frame 2\n");
         QTRY_COMPARE(m_heard.join(','), "f 2");
-        QTRY_COMPARE(firstServed->bytesAvailable(), 16384);
+        QVERIFY(firstServed->bytesAvailable() <= 16384);
         second->disconnectFromHost();
         QTRY_COMPARE(served(), firstServed); // of two the right one is released
         m_server->readData(); // there is none to read from
         const auto third = connected();
         third->write("frame 3\n");
         QTRY_COMPARE(m_heard.join(','), "f 2,f 3");
+        first->disconnectFromHost(); // which is heard in spite of all it has sent
+        QTRY_VERIFY(!firstServed);
     }
 
     // Scripts connect anew for every line, and go. The window was busy meanwhile.
