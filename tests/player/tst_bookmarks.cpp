@@ -4,6 +4,8 @@
 
 #include <QtTest>
 
+#include <sys/stat.h>
+
 // The record of bookmarks, its file, and the scrub over the video.
 class TestBookmarks : public QObject {
     Q_OBJECT
@@ -86,6 +88,10 @@ private Q_SLOTS:
         QCOMPARE(inWords(found), QString());
         QCOMPARE(found.mediaPath, bookmarks.mediaPath);
         QVERIFY(!bookmarksfile::write(bookmarks, m_folder.filePath("none/test.bmk")));
+        const QString pipe = m_folder.filePath("pipe.bmk"); // which nobody writes to
+        QCOMPARE(mkfifo(qPrintable(pipe), S_IRUSR | S_IWUSR), 0);
+        bookmarksfile::read(found, pipe);
+        QCOMPARE(found.mediaPath, bookmarks.mediaPath);
     }
 
     void cycling_wrapsRound()

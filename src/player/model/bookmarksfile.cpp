@@ -83,7 +83,7 @@ void bookmarksfile::read(Bookmarks& bookmarks, const QString& path)
 {
     bookmarks.clear();
     const QFileInfo info(path);
-    if (!info.exists()) {
+    if (!info.isFile()) { // a pipe would hold the window
         return;
     }
     QSettings file(info.absoluteFilePath(), QSettings::IniFormat);

@@ -8,7 +8,7 @@ class QString;
 namespace bookmarksfile {
 
 /// Replaces the bookmarks by those of the file; entries that cannot be read are left out. A range
-/// needs a name. A file that is not there empties the bookmarks and leaves the media's path.
+/// needs a name. What is no file empties the bookmarks and leaves the media's path.
 void read(Bookmarks& bookmarks, const QString& path);
 
 /// False where the file could not be written; it then is as it was before.

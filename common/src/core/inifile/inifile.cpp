@@ -1,6 +1,7 @@
 #include "inifile.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <QSaveFile>
 #include <QSettings>
 #include <QTemporaryDir>
@@ -17,7 +18,7 @@ QByteArray newText(const QString& path, const std::function<void(QSettings&)>& w
     const QString draft = folder.filePath(QStringLiteral("draft.ini"));
     QFile checked(folder.filePath(QStringLiteral("checked.ini")));
     // Starting from a copy keeps the keys that others have put there.
-    if (QFile::exists(path) && !QFile::copy(path, draft)) {
+    if (QFileInfo(path).isFile() && !QFile::copy(path, draft)) {
         return QByteArray();
     }
     {
