@@ -2,13 +2,16 @@
 
 #include "framecode.h"
 
+#include <QClipboard>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QGuiApplication>
 #include <QPixmap>
 #include <QScreen>
 #include <QSettings>
+#include <QTcpServer>
 #include <QThread>
+#include <QtTest>
 
 #include <X11/Xutil.h>
 #include <X11/extensions/XTest.h>
@@ -40,6 +43,11 @@ bool await(const std::function<bool()>& condition)
         QThread::msleep(1);
     }
     return true;
+}
+
+QString program()
+{
+    return qEnvironmentVariable("VANTOR_PROGRAM", VANTOR_PROGRAM);
 }
 
 Display* display() // connected to the end; without anybody the display would start anew
@@ -142,6 +150,12 @@ QString Scene::sightOf(int frame) const
     return worded(title, frame, frame, frame >= first && frame <= last ? frame : -1);
 }
 
+int freePort()
+{
+    QTcpServer server;
+    return server.listen(QHostAddress::LocalHost) ? server.serverPort() : 0;
+}
+
 DrivenPlayer::DrivenPlayer(const QVariantMap& settings)
 {
     QSettings file(m_settingsPath, QSettings::IniFormat);
@@ -181,7 +195,9 @@ Clip DrivenPlayer::linked(const Clip& clip, const QString& name) const
 bool DrivenPlayer::start(const QStringList& arguments)
 {
     m_process.waitForFinished(); // one that was killed
-    m_process.start(VANTOR_PROGRAM, arguments);
+    QStringList words = m_wrapper + QStringList(program()) + arguments;
+    const QString command = words.takeFirst();
+    m_process.start(command, words);
     return m_process.waitForStarted() && focus();
 }
 
@@ -193,6 +209,7 @@ bool DrivenPlayer::focus(const QString& title)
     if (title.isEmpty()) {
         m_window = found; // another one once its kind has changed
     }
+    XRaiseWindow(display(), found); // the console may lie on it
     XSetInputFocus(display(), found, RevertToParent, CurrentTime);
     XFlush(display());
     return came;
@@ -214,7 +231,7 @@ int DrivenPlayer::launchAgain(const QStringList& arguments) const
     process.setProcessEnvironment(m_process.processEnvironment());
     process.setProcessChannelMode(QProcess::ForwardedChannels);
     process.setWorkingDirectory(m_folder.path());
-    process.start(VANTOR_PROGRAM, arguments);
+    process.start(program(), arguments);
     return process.waitForFinished(limitMs) ? process.exitCode() : -1;
 }
 
@@ -235,10 +252,15 @@ QVariant DrivenPlayer::setting(const QString& key) const
     return QSettings(m_settingsPath, QSettings::IniFormat).value(key);
 }
 
+QString DrivenPlayer::title() const
+{
+    return titleOf(m_window);
+}
+
 int DrivenPlayer::frame() const
 {
-    const QString title = titleOf(m_window);
-    return title.contains(" -- Frame ") ? title.section(' ', -1).toInt() : -1;
+    const QString text = title();
+    return text.contains(" -- Frame ") ? text.section(' ', -1).toInt() : -1;
 }
 
 int DrivenPlayer::awaitRest() const
@@ -278,10 +300,30 @@ QImage DrivenPlayer::console() const
     return pictureOf(window("^Console$"));
 }
 
+QString DrivenPlayer::consoleText()
+{
+    QGuiApplication::clipboard()->setText({});
+    if (!focus("Console")) {
+        return {};
+    }
+    hold("Control+a");
+    hold("Control+c");
+    QString text; // while the console is there to give it
+    static_cast<void>(QTest::qWaitFor(
+        [&] { return !(text = QGuiApplication::clipboard()->text()).isEmpty(); }, limitMs));
+    focus();
+    return text;
+}
+
 QImage DrivenPlayer::view() const
 {
     const QImage all = pictureOf(m_window);
     return all.copy(viewIn(all));
+}
+
+int DrivenPlayer::picture(const Clip& clip) const
+{
+    return frameInView(view(), clip);
 }
 
 QString DrivenPlayer::turn(const Clip& clip) const
@@ -361,5 +403,11 @@ void DrivenPlayer::movePointer(int pixels)
 void DrivenPlayer::holdButton(bool down)
 {
     XTestFakeButtonEvent(display(), 1, down ? True : False, CurrentTime);
+    XFlush(display());
+}
+
+void DrivenPlayer::resize(int width, int height)
+{
+    XResizeWindow(display(), m_window, static_cast<unsigned>(width), static_cast<unsigned>(height));
     XFlush(display());
 }

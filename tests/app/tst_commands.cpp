@@ -3,7 +3,6 @@
 
 #include <QClipboard>
 #include <QSettings>
-#include <QTcpServer>
 #include <QTcpSocket>
 #include <QtTest>
 
@@ -20,11 +19,6 @@ private Q_SLOTS:
     void bookmarksMoveWithTheirMedia();
 
 private:
-    static int freePort()
-    {
-        QTcpServer server;
-        return server.listen(QHostAddress::LocalHost) ? server.serverPort() : 0;
-    }
     bool connects(QTcpSocket& client) const
     {
         client.connectToHost(QHostAddress::LocalHost, static_cast<quint16>(m_port));
