@@ -1,5 +1,6 @@
 #include "audiooutput.h"
 
+#include "logger.h"
 #include "mediasource.h"
 #include "scrubslice.h"
 
@@ -17,6 +18,14 @@ int streamCallback(const void*, void* output, unsigned long frameCount,
     fillOutput(*static_cast<MediaSource*>(source), static_cast<int16_t*>(output),
         static_cast<int>(frameCount));
     return paContinue;
+}
+
+// On a thread of the library's, also where the stream is closed in order.
+void streamFinished(void* source)
+{
+    if (!static_cast<MediaSource*>(source)->abortRequested) {
+        Logger::displayWarning(QStringLiteral("Sound output: the device has gone"));
+    }
 }
 
 void readAtClock(MediaSource& source, int16_t* out, int frameCount)
@@ -124,8 +133,9 @@ int PaStreamPtr::open(const OutputDevice& device, MediaSource& source)
         paFramesPerBufferUnspecified, paNoFlag, streamCallback, &source);
     if (result != paNoError) {
         m_stream = nullptr;
+        return result;
     }
-    return result;
+    return Pa_SetStreamFinishedCallback(m_stream, streamFinished);
 }
 
 int PaStreamPtr::start()

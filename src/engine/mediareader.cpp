@@ -184,6 +184,7 @@ int MediaReader::openInput()
         return result; // the context is freed already
     }
     m_source->formatContext.reset(context);
+    m_fileSize = avio_size(context->pb);
     return avformat_find_stream_info(context, nullptr);
 }
 
@@ -361,6 +362,16 @@ bool MediaReader::isInterrupted() const
         || m_source->abortRequested.load(std::memory_order_relaxed);
 }
 
+// Somebody has cut or overwritten it meanwhile. To the library its end is as good as any.
+bool MediaReader::hasShrunk() const
+{
+    if (avio_size(m_source->formatContext->pb) >= m_fileSize) {
+        return false;
+    }
+    Logger::displayError(m_source->filename + QStringLiteral(": the file has become shorter"));
+    return true;
+}
+
 int MediaReader::readPackets(int maxPackets)
 {
     int packetsRead = 0;
@@ -372,7 +383,7 @@ int MediaReader::readPackets(int maxPackets)
             continue;
         }
         if (result < 0) {
-            return m_source->abortRequested ? 0 : result;
+            return m_source->abortRequested ? 0 : hasShrunk() ? AVERROR(EIO) : result;
         }
         if (packet->size <= 0) {
             // Nothing to decode; a decoder would take it for the request to drain.

@@ -25,8 +25,8 @@ public:
     void close();
 
     /// Reads packets until a seek or an abort is requested (0), the file ends (AVERROR_EOF),
-    /// reading fails, or, with maxPackets > 0, that many packets of any stream were read (0). A
-    /// full queue holds it.
+    /// reading fails or the file ends earlier than it did when it was opened, or, with maxPackets >
+    /// 0, that many packets of any stream were read (0). A full queue holds it.
     [[nodiscard]] int readPackets(int maxPackets);
 
     /// True when a packet of either kind would find room at once.
@@ -47,8 +47,10 @@ private:
     int describeDuration();
     int scanDuration(double& seconds);
     [[nodiscard]] bool isInterrupted() const;
+    [[nodiscard]] bool hasShrunk() const;
     void deliver(
         AvPtr<AVPacket>& packet, PacketQueue& queue, const std::atomic<bool>& unused) const;
 
     MediaSource* m_source; // not owned
+    int64_t m_fileSize = 0; // bytes, when it was opened
 };

@@ -18,6 +18,7 @@
 #include "windowplacement.h"
 
 #include <QCloseEvent>
+#include <QDir>
 #include <QFileInfo>
 #include <QIcon>
 #include <QLayout>
@@ -250,6 +251,14 @@ void Player::reportError(const QString& text)
     }
 }
 
+void Player::storeSettings()
+{
+    if (!saveSettings()) {
+        reportError(tr("Failed to save settings in %1")
+                        .arg(QDir::home().filePath(QLatin1String(userDirectoryName))));
+    }
+}
+
 void Player::showTitle(int frame)
 {
     if (frame < 0) {
@@ -302,7 +311,7 @@ void Player::closeEvent(QCloseEvent* event)
     settings().displayConsoleOnType = m_console->showOnLevel();
     m_console.reset();
     rememberGeometry();
-    saveSettings();
+    storeSettings();
     event->accept();
     Q_EMIT closed();
 }

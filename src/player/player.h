@@ -205,6 +205,7 @@ private:
     void rebuildRecentMenus();
     void rememberBookmarksFile();
     void reportError(const QString& text);
+    void storeSettings();
     void showTitle(int frame);
     void showCachedRange();
     void rememberGeometry();

@@ -8,7 +8,6 @@
 #include "preferencesdialog.h"
 #include "recentlist.h"
 #include "settings.h"
-#include "settingsstore.h"
 #include "softwareviewer.h"
 #include "transport.h"
 
@@ -85,7 +84,7 @@ void Player::preferences()
     values.continuePlayingAfterSeek = dialog.continuePlayingAfterSeek();
     values.endlessMouseScrub = dialog.endlessMouseScrub();
     values.tcpPort = dialog.tcpPort();
-    saveSettings();
+    storeSettings();
 }
 
 void Player::about()

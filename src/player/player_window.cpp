@@ -132,7 +132,7 @@ void Player::setAlwaysOnTopEnabled(bool enable)
     }
     settings().alwaysOnTop = enable;
     if (m_created) {
-        saveSettings();
+        storeSettings();
     }
 }
 

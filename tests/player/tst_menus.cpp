@@ -73,7 +73,7 @@ class TestMenus : public QObject {
             }
         }
         m_player->saveBookmarksFile();
-        saveSettings();
+        static_cast<void>(saveSettings());
         for (const QString& path : { m_marks, settingsFilePath() }) {
             QFile file(path);
             out << (file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray());

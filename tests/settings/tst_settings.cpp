@@ -135,7 +135,7 @@ private Q_SLOTS:
         const QByteArray geometry("\x01\xd9\x00\xff,;\"\n%", 9);
         settings().windowGeometry = geometry;
         const Texts saved = texts();
-        saveSettings();
+        QVERIFY(saveSettings());
         const QByteArray file = readFile();
         QVERIFY2(file.contains("\ncacheTrailingPct=0.333\n"), file.constData());
         QVERIFY(!file.contains("@Variant"));
@@ -163,7 +163,7 @@ private Q_SLOTS:
             loadSettings();
             QCOMPARE(texts(), defaultTexts());
             settings().volume = 42;
-            saveSettings();
+            QVERIFY(saveSettings());
             loadSettings();
             QCOMPARE(settings().volume, 42);
         }
@@ -171,7 +171,7 @@ private Q_SLOTS:
 
     void failedWrite_leavesTheOldFile()
     {
-        saveSettings();
+        QVERIFY(saveSettings());
         const QByteArray before = readFile();
         QVERIFY(before.size() > 500);
         setEverythingElse();
@@ -181,11 +181,11 @@ private Q_SLOTS:
         for (const int room : { 0, 100, before.size() }) { // the new text is longer
             const rlimit limit{ rlim_t(room), old.rlim_max };
             QCOMPARE(setrlimit(RLIMIT_FSIZE, &limit), 0);
-            saveSettings();
+            QVERIFY(!saveSettings());
             QCOMPARE(setrlimit(RLIMIT_FSIZE, &old), 0);
             QCOMPARE(readFile(), before);
         }
-        saveSettings();
+        QVERIFY(saveSettings());
         QVERIFY(readFile().size() > before.size());
     }
 
@@ -197,7 +197,7 @@ private Q_SLOTS:
         QCOMPARE(userDirectory() + bookmarksDirectory() + settingsFilePath(), QString());
         loadSettings();
         QCOMPARE(texts(), defaultTexts());
-        saveSettings();
+        QVERIFY(!saveSettings());
         const auto everything = QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot;
         QCOMPARE(QDir(m_home->path()).entryList(everything), QStringList({ ".quillon" }));
     }

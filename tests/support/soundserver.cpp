@@ -31,7 +31,16 @@ void SoundServer::Child::setupChildProcess()
 
 SoundServer::SoundServer()
 {
-    const QString socket = m_folder.filePath("socket");
+    start();
+    const QString config = m_folder.filePath("asound.conf");
+    write(config, "pcm.!default { type pulse hint { show on description \"Default\" } }\n");
+    qputenv("ALSA_CONFIG_PATH", "/usr/share/alsa/alsa.conf:" + config.toLocal8Bit());
+    qputenv("PULSE_SERVER", "unix:" + m_socket.toLocal8Bit());
+    qputenv("JACK_NO_START_SERVER", "1");
+}
+
+void SoundServer::start()
+{
     auto environment = QProcessEnvironment::systemEnvironment();
     for (const char* name : { "HOME", "XDG_RUNTIME_DIR", "XDG_CONFIG_HOME", "PULSE_RUNTIME_PATH",
              "PULSE_STATE_PATH" }) {
@@ -43,19 +52,20 @@ SoundServer::SoundServer()
         { "-n", "--daemonize=no", "--exit-idle-time=-1", "--disable-shm=yes", "--use-pid-file=no",
             "--realtime=no", "--log-level=error", "-L",
             "module-null-sink sink_name=out rate=48000 channels=2 format=s16le", "-L",
-            "module-native-protocol-unix auth-anonymous=1 socket=" + socket });
+            "module-native-protocol-unix auth-anonymous=1 socket=" + m_socket });
     const QDeadlineTimer limit(startLimitMs);
-    while (!QFile::exists(socket)) {
+    while (!QFile::exists(m_socket)) {
         if (limit.hasExpired() || m_server.waitForFinished(pollMs)) {
             qFatal("The sound server did not start: %s", qPrintable(m_server.errorString()));
         }
     }
+}
 
-    const QString config = m_folder.filePath("asound.conf");
-    write(config, "pcm.!default { type pulse hint { show on description \"Default\" } }\n");
-    qputenv("ALSA_CONFIG_PATH", "/usr/share/alsa/alsa.conf:" + config.toLocal8Bit());
-    qputenv("PULSE_SERVER", "unix:" + socket.toLocal8Bit());
-    qputenv("JACK_NO_START_SERVER", "1");
+void SoundServer::stop()
+{
+    m_server.kill();
+    m_server.waitForFinished();
+    QFile::remove(m_socket);
 }
 
 SoundServer::~SoundServer()

@@ -14,6 +14,11 @@ public:
     SoundServer();
     ~SoundServer();
 
+    /// As where it crashes; all who are connected lose it.
+    void stop();
+    /// Anew, at the same place.
+    void start();
+
     /// Records from now on.
     void startRecording();
     /// What was heard since: the left channel.
@@ -27,6 +32,7 @@ private:
         void setupChildProcess() override;
     };
     QTemporaryDir m_folder;
+    const QString m_socket = m_folder.filePath("socket");
     Child m_server;
     Child m_recorder;
 };

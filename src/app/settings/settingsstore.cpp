@@ -135,7 +135,7 @@ void validateSettings()
     }
 }
 
-void saveSettings()
+bool saveSettings()
 {
-    inifile::replace(settingsFilePath(), writeValues, holdsValues);
+    return inifile::replace(settingsFilePath(), writeValues, holdsValues);
 }

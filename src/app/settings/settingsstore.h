@@ -28,5 +28,6 @@ void loadSettings();
 /// are.
 void validateSettings();
 
-/// Writes settings() to the file. The old file is replaced by a complete new one or stays as it is.
-void saveSettings();
+/// Writes settings() to the file. The old file is replaced by a complete new one or stays as it is;
+/// false for that.
+[[nodiscard]] bool saveSettings();
