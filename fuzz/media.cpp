@@ -171,11 +171,18 @@ void Visit::seek(bool clearCache, double time)
 void Visit::step(unsigned what, unsigned where)
 {
     const double time = m_manager.duration() * where / lastByteAtTheEnd;
-    switch (what % 6) {
+    switch (what % 7) {
     case 0:
         return seek(false, time);
     case 1:
         return seek(true, time);
+    case 6: // steps back that one decode is to serve
+        seek(true, time);
+        for (unsigned i = 1; i <= where % 8; ++i) {
+            m_manager.seek(false, time - i * m_manager.frameDuration(), sliceSeconds,
+                PlaybackManager::Reach::Backward);
+        }
+        return;
     case 2: // one on the heels of the other
         seek(true, time);
         return seek(true, m_manager.duration() - time);
