@@ -24,6 +24,18 @@ int numberAfter(const QString& name, const QString& text)
     return line.match(text).captured(1).toInt();
 }
 
+// The toolkit's own for scaling pictures, each with a file to wake it by. They come with need and
+// go half a minute after.
+int pooledThreads(const QString& folder)
+{
+    int count = 0;
+    const QDir tasks(folder + "task");
+    for (const QString& task : tasks.entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
+        count += textOf(tasks.filePath(task + "/comm")).startsWith("Thread (pooled") ? 1 : 0;
+    }
+    return count;
+}
+
 int median(QVector<int> values)
 {
     std::sort(values.begin(), values.end());
@@ -49,8 +61,9 @@ Footprint Footprint::of(qint64 processId)
     const QString status = textOf(folder + "status");
     Footprint footprint;
     footprint.memory = numberAfter("VmRSS", status) / kilobytesPerMegabyte;
-    footprint.threads = numberAfter("Threads", status);
-    footprint.files = QDir(folder + "fd").entryList(QDir::System | QDir::Files).size();
+    const int pooled = pooledThreads(folder);
+    footprint.threads = numberAfter("Threads", status) - pooled;
+    footprint.files = QDir(folder + "fd").entryList(QDir::System | QDir::Files).size() - pooled;
     footprint.segments = textOf("/proc/sysvipc/shm").count('\n') - 1; // without the heading
     return footprint;
 }

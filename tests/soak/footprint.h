@@ -7,7 +7,7 @@
 struct Footprint {
     int memory = 0; // resident, in megabytes; 0 of a process that has ended
     int files = 0; // open ones
-    int threads = 0;
+    int threads = 0; // without those that the toolkit keeps for a while
     int segments = 0; // of shared memory, everybody's in this space of shared memory
 
     static Footprint of(qint64 processId);
