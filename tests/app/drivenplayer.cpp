@@ -306,11 +306,14 @@ QString DrivenPlayer::consoleText()
     if (!focus("Console")) {
         return {};
     }
-    hold("Control+a");
-    hold("Control+c");
     QString text; // while the console is there to give it
-    static_cast<void>(QTest::qWaitFor(
-        [&] { return !(text = QGuiApplication::clipboard()->text()).isEmpty(); }, limitMs));
+    const auto copies = [&] { // anew where a further line has taken the selection away
+        hold("Control+a");
+        hold("Control+c");
+        return QTest::qWaitFor(
+            [&] { return !(text = QGuiApplication::clipboard()->text()).isEmpty(); }, restMs);
+    };
+    static_cast<void>(QTest::qWaitFor(copies, limitMs));
     focus();
     return text;
 }

@@ -95,7 +95,7 @@ void TestFaults::files()
         QTRY_COMPARE(player.frame(), once.frameCount * 40);
         QTRY_COMPARE(player.picture(once), once.frameCount);
     } else {
-        QVERIFY(player.consoleText().startsWith("ERROR: Unknown media error."));
+        QCOMPARE(player.consoleText().section('\n', 0, 0), "ERROR: Unknown media error.");
         QVERIFY(log(player).contains(film + ": the file has become shorter"));
     }
     QCOMPARE(player.console().isNull(), harmless);
