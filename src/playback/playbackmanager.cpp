@@ -6,6 +6,7 @@
 #include <QFileInfo>
 
 #include <algorithm>
+#include <limits>
 
 namespace {
 
@@ -280,7 +281,9 @@ void PlaybackManager::updateVideoFrame(bool refresh)
 // As soon as it is decoded; the file is ready only some pictures later.
 void PlaybackManager::showFirstPicture()
 {
-    if (m_presenter.show(*m_mediaSource, false, {}) == FramePresenter::Result::Shown) {
+    // It can be a hair before 0, and count as over then.
+    constexpr double anyPicture = -std::numeric_limits<double>::infinity();
+    if (m_presenter.show(*m_mediaSource, false, anyPicture) == FramePresenter::Result::Shown) {
         m_pictureTimer.stop();
     }
 }
