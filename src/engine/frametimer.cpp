@@ -24,11 +24,13 @@ void FrameTimer::packetSent(int64_t decodeTime)
 
 double FrameTimer::timeOf(const Picture& picture)
 {
-    if (isRegular() && picture.ownTime != noTime) {
-        m_guessed = false;
-        return timeOfOwn(picture.ownTime);
-    }
     skipPacketsUpTo(picture.releasedBy);
+    if (isRegular() && picture.ownTime != noTime) {
+        const double shown = timeOfOwn(picture.ownTime);
+        m_guessed = false;
+        m_predictedTime = shown + m_startOffset + m_stream.delay + m_frameDuration;
+        return shown;
+    }
     double raw = rawTime(picture);
     m_guessed = false;
     if (raw == 0.0) {
