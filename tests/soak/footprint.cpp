@@ -36,6 +36,17 @@ int pooledThreads(const QString& folder)
     return count;
 }
 
+// Without the caches of icons and file types that the toolkit opens once, with need, and keeps.
+int openFiles(const QString& folder)
+{
+    int count = 0;
+    const QDir descriptors(folder + "fd");
+    for (const QFileInfo& each : descriptors.entryInfoList(QDir::System | QDir::Files)) {
+        count += each.symLinkTarget().startsWith("/usr/share/") ? 0 : 1;
+    }
+    return count;
+}
+
 int median(QVector<int> values)
 {
     std::sort(values.begin(), values.end());
@@ -63,7 +74,7 @@ Footprint Footprint::of(qint64 processId)
     footprint.memory = numberAfter("VmRSS", status) / kilobytesPerMegabyte;
     const int pooled = pooledThreads(folder);
     footprint.threads = numberAfter("Threads", status) - pooled;
-    footprint.files = QDir(folder + "fd").entryList(QDir::System | QDir::Files).size() - pooled;
+    footprint.files = openFiles(folder) - pooled;
     footprint.segments = textOf("/proc/sysvipc/shm").count('\n') - 1; // without the heading
     return footprint;
 }

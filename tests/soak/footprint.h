@@ -6,7 +6,7 @@
 /// What a process takes of the machine.
 struct Footprint {
     int memory = 0; // resident, in megabytes; 0 of a process that has ended
-    int files = 0; // open ones
+    int files = 0; // open ones, without those that the toolkit keeps
     int threads = 0; // without those that the toolkit keeps for a while
     int segments = 0; // of shared memory, everybody's in this space of shared memory
 
