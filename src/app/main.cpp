@@ -67,6 +67,10 @@ int main(int argc, char* argv[])
     }
     // The sound library would start a sound server of its own where none runs.
     qputenv("JACK_NO_START_SERVER", "1");
+    // The window is drawn without OpenGL, whose drivers take long to load and much memory to keep.
+    if (!qEnvironmentVariableIsSet("QT_XCB_GL_INTEGRATION")) {
+        qputenv("QT_XCB_GL_INTEGRATION", "none");
+    }
     // At the end of a session the window would be asked to close and, while it lets go of its file,
     // be taken for refusing. The signal that follows closes it in order.
     QGuiApplication::setFallbackSessionManagementEnabled(false);

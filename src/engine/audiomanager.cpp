@@ -34,11 +34,24 @@ AudioManager::~AudioManager()
     stop();
 }
 
+void AudioManager::prepareOutput()
+{
+    if (m_mediaSource) {
+        return;
+    }
+    // Afresh for every file, so that a device plugged in meanwhile is found.
+    (void)m_library.terminate();
+    (void)m_library.initialize();
+}
+
 void AudioManager::changeMediaSource(MediaSource* mediaSource)
 {
-    stop();
     if (!mediaSource || mediaSource->abortRequested) {
+        stop();
         return;
+    }
+    if (m_mediaSource) {
+        stop();
     }
     m_mediaSource = mediaSource;
     if (!hasAudioStream(*mediaSource)) {
@@ -129,9 +142,10 @@ void AudioManager::stop()
     if (m_stream) {
         closeStream(); // stops it too
     }
-    // The library is set up afresh for every file, so that a device plugged in meanwhile is found.
     if (m_library.isInitialized() && m_library.terminate() != paNoError) {
-        m_mediaSource->audioErrorCode = m_lastPaError;
+        if (m_mediaSource) {
+            m_mediaSource->audioErrorCode = m_lastPaError;
+        }
         raise(TerminateError);
     }
     m_decoder.reset();

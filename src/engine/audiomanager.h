@@ -44,6 +44,9 @@ public:
     [[nodiscard]] Status status() const { return m_status; }
 
 public Q_SLOTS: // Audio thread.
+    /// Searches for the output devices while the file is being opened, which takes as long. Where
+    /// that fails changeMediaSource() tries again, and tells.
+    void prepareOutput();
     /// Decodes and plays `mediaSource` until it is aborted; null only stops. A source that was
     /// given up in the meantime is not touched.
     void changeMediaSource(MediaSource* mediaSource);

@@ -212,6 +212,14 @@ void VideoDecoder::convertAndStore(const AVFrame& frame, double time)
     if (cache.discarding) {
         return;
     }
+    if (m_gap) {
+        cache.reset();
+        m_gap = false;
+    }
+    awaitRoom(); // before memory is taken for the picture
+    if (cache.discarding) {
+        return;
+    }
     std::unique_ptr<DecodedVideoFrame> picture =
         cache.obtain(m_converter.pictureBytes(), m_source->width, m_source->height);
     if (!picture || m_converter.convert(frame, *picture) < 0) {
@@ -219,19 +227,19 @@ void VideoDecoder::convertAndStore(const AVFrame& frame, double time)
         return;
     }
     picture->time = time;
-    if (m_gap) {
-        cache.reset();
-        m_gap = false;
-    }
     av_frame_unref(m_newestDropped.get());
-    while (!m_source->abortRequested) {
-        if (!cache.hasRoom(m_source->clockTime(false))) {
-            if (m_waitsForRoom) {
-                m_waitsForRoom();
-            }
-            QThread::msleep(fullCachePauseMs);
-        } else if (cache.put(picture, 1.0 / m_source->frameRate)) {
-            return;
+    while (!m_source->abortRequested && !cache.put(picture, 1.0 / m_source->frameRate)) {
+        awaitRoom();
+    }
+}
+
+void VideoDecoder::awaitRoom()
+{
+    while (!m_source->abortRequested
+        && !m_source->videoFrames.hasRoom(m_source->clockTime(false))) {
+        if (m_waitsForRoom) {
+            m_waitsForRoom();
         }
+        QThread::msleep(fullCachePauseMs);
     }
 }

@@ -43,6 +43,7 @@ private:
     void drop(double time);
     void storeNewestDropped();
     void convertAndStore(const AVFrame& frame, double time);
+    void awaitRoom();
 
     MediaSource* const m_source; // not owned
     const std::function<void()> m_waitsForRoom;
