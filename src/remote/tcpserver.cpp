@@ -14,6 +14,7 @@ namespace {
 using Kind = RemoteCommand::Kind;
 
 constexpr int turnMs = 5; // of lines, before the window has its turn
+constexpr int longestTurnMs = 15; // where only frames are left, of which the last one counts
 constexpr int pauseMs = 1; // between two turns
 constexpr qint64 unreadBytes = 16384; // held for each connection; more stays with its sender
 constexpr size_t mostRests = 64; // of clients that are no longer served
@@ -112,50 +113,62 @@ void TcpServer::setAside()
     m_nextTurn.start();
 }
 
+// Of a flood of frames only the newest that has come counts once the turn is over.
 void TcpServer::runLines()
 {
     QElapsedTimer turn;
     turn.start();
-    while (runNextLine()) {
-        if (turn.elapsed() >= turnMs) {
+    std::optional<RemoteCommand> newestFrame;
+    while (const auto command = nextCommand()) {
+        if (turn.elapsed() < turnMs) {
+            run(*command);
+        } else if (command->kind == Kind::Frame && turn.elapsed() < longestTurnMs) {
+            newestFrame = command;
+        } else {
             m_nextTurn.start();
+            if (newestFrame) {
+                run(*newestFrame);
+            }
+            run(*command);
             return;
         }
     }
+    if (newestFrame) {
+        run(*newestFrame);
+    }
 }
 
-// False when there is none.
-bool TcpServer::runNextLine()
+// None where there is no line.
+std::optional<RemoteCommand> TcpServer::nextCommand()
 {
     while (!m_earlier.empty()) {
-        if (runLine(m_earlier.front())) {
-            return true;
+        if (const auto command = takeLine(m_earlier.front())) {
+            return command;
         }
         m_earlier.pop_front();
     }
-    return runLine(m_client);
+    return takeLine(m_client);
 }
 
-bool TcpServer::runLine(Client& client)
+std::optional<RemoteCommand> TcpServer::takeLine(Client& client)
 {
     QIODevice* const device = client.rest ? static_cast<QIODevice*>(client.rest.get())
                                           : static_cast<QIODevice*>(client.socket.data());
     const auto line = device ? client.reader.next(*device) : std::nullopt;
     if (!line) {
-        return false;
+        return std::nullopt;
     }
     const bool isFirst = std::exchange(client.beforeFirstLine, false);
     const auto command = line->whole ? parseCommandLine(line->bytes) : RemoteCommand{};
     const bool isUnwelcome = isFirst && isBrowserRequest(line->bytes, line->whole);
     if (!isUnwelcome && command.kind != Kind::Exit) {
-        run(command); // last, as whoever hears of it may let other events in
-        return true;
+        return command;
     }
     // Forgotten first, so that nothing more of it is read; then closed, and so released.
     if (const auto ended = std::exchange(client, {}).socket) {
         isUnwelcome ? ended->abort() : ended->disconnectFromHost();
     }
-    return true;
+    return RemoteCommand{};
 }
 
 void TcpServer::run(const RemoteCommand& command)

@@ -11,6 +11,7 @@
 
 #include <deque>
 #include <memory>
+#include <optional>
 
 class QTcpServer;
 
@@ -57,8 +58,8 @@ private:
 
     void setAside();
     void runLines();
-    bool runNextLine();
-    bool runLine(Client& client);
+    std::optional<RemoteCommand> nextCommand();
+    static std::optional<RemoteCommand> takeLine(Client& client);
     void run(const RemoteCommand& command);
 
     QTcpServer* m_server; // child
