@@ -6,6 +6,7 @@
 #include <QHBoxLayout>
 #include <QIcon>
 #include <QLabel>
+#include <QPushButton>
 #include <QVBoxLayout>
 
 #include <utility>
@@ -40,6 +41,7 @@ AboutDialog::AboutDialog(
         versions->addRow(name, label);
     }
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close, this);
+    buttons->button(QDialogButtonBox::Close)->setIcon({}); // the style's is black on dark
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
 
     auto* texts = new QVBoxLayout;
