@@ -31,6 +31,8 @@ class Vantor:
         self._socket.sendall(line.encode() + b"\n")
 
     def open(self, path, start=-1, end=-1):  # a media file, or a bookmarks file that ends in bmk
+        if '"' in path or "'" in path:
+            raise ValueError("the player takes no name with quotation marks: " + path)
         self.tell(f'file "{os.path.abspath(path)}" {start} {end}')
 
     def frame(self, number):

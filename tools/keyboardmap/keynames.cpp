@@ -32,7 +32,7 @@ QString nameOf(const WindowKey& row)
         const auto found = std::find_if(table.begin(), table.end(), condition);
         return found == table.end() ? QString() : nameOf(*found);
     };
-    const QString sameKey = named(
+    QString sameKey = named(
         [&](const Command& command) { return !command.key.isEmpty() && command.key == row.key; });
     if (!sameKey.isEmpty()) {
         return sameKey;
