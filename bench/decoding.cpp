@@ -89,8 +89,8 @@ void decode(benchmark::State& state, const std::string& path)
 
 void registerDecoding()
 {
-    for (const char* clip :
-        { "h264-360p", "h264-1080p", "h264-2160p", "hevc-1080p", "hevc10-1080p" }) {
+    for (const char* clip : { "h264-360p", "h264-1080p", "h264-2160p", "hevc-1080p", "hevc10-1080p",
+             "prores-1080p.mov", "vp9-1080p.webm" }) {
         const std::string name = std::string("decode/") + clip;
         benchmark::RegisterBenchmark(name.c_str(), decode, clipPath(clip))
             ->Iterations(runs)

@@ -6,7 +6,8 @@
 
 std::string clipPath(const std::string& name)
 {
-    return BENCH_CLIPS "/" + name + ".mp4";
+    const std::string path = BENCH_CLIPS "/" + name;
+    return name.find('.') == std::string::npos ? path + ".mp4" : path;
 }
 
 int main(int argc, char* argv[])
@@ -19,6 +20,7 @@ int main(int argc, char* argv[])
     registerHeldKey();
     registerComparison();
     registerPlaying();
+    registerGrowth();
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
         return 2;
