@@ -74,6 +74,9 @@ int main(int argc, char* argv[])
     // At the end of a session the window would be asked to close and, while it lets go of its file,
     // be taken for refusing. The signal that follows closes it in order.
     QGuiApplication::setFallbackSessionManagementEnabled(false);
+    // The desktop finds the window's entry, and by that its name and icon, where both have this
+    // name.
+    QGuiApplication::setDesktopFileName(QStringLiteral("org.quillon.vantor"));
     SingleApplication application(argc, argv, QStringLiteral("vantorUniqueKey"));
     SingleApplication::setApplicationVersion(QStringLiteral(VANTOR_VERSION));
     const QStringList arguments = SingleApplication::arguments();

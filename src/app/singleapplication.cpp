@@ -55,7 +55,9 @@ SingleApplication::SingleApplication(int& argc, char** argv, const QString& uniq
     // one: one left behind, whose own file has been removed, or one that was made this very moment.
     if (!findPlace() && !findPlace()) {
         Logger::displayWarning(
-            tr("Later launches will not be received: %1").arg(m_sharedMemory->errorString()));
+            tr("Later launches will open windows of their own: %1. Check that files can be made "
+               "in %2.")
+                .arg(m_sharedMemory->errorString(), QDir::tempPath()));
     }
     if (!m_alreadyRunning) {
         m_startupLock.unlock();
@@ -101,7 +103,9 @@ void SingleApplication::becomeFirst()
     QLocalServer::removeServer(m_socketName); // of an instance that was killed
     if (!m_server.listen(m_socketName)) {
         Logger::displayWarning(
-            tr("Some launches cannot be received: %1").arg(m_server.errorString()));
+            tr("Launches with long or foreign paths cannot be received: %1. Check that files can "
+               "be made in %2.")
+                .arg(m_server.errorString(), QDir::tempPath()));
     }
 }
 

@@ -18,6 +18,7 @@
 #include "windowplacement.h"
 
 #include <QCloseEvent>
+#include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
 #include <QIcon>
@@ -80,6 +81,8 @@ void Player::createWidgets()
         this, PlayerWidgets{ m_timeline, m_rangeTimeline, m_viewer, m_controls, m_volume });
     m_controls->setEnabled(false);
     m_console = std::make_unique<ConsoleWindow>();
+    // Before its level is set: what every start says brings no window forward.
+    m_console->info(tr("Vantor %1").arg(QCoreApplication::applicationVersion()));
 }
 
 void Player::connectManager()
@@ -163,7 +166,9 @@ void Player::applySettings()
     m_manager->setViewer(m_viewer);
     if (!m_remote->listen()) {
         m_console->warning(
-            tr("Remote control is off: port %1 cannot be used.").arg(values.tcpPort));
+            tr("Remote control is off: port %1 cannot be used. If another program has it, choose "
+               "another port in the preferences and start again.")
+                .arg(values.tcpPort));
     }
 }
 
@@ -254,7 +259,8 @@ void Player::reportError(const QString& text)
 void Player::storeSettings()
 {
     if (!saveSettings()) {
-        reportError(tr("Failed to save settings in %1")
+        reportError(tr("Failed to save settings in %1 (check that there is room and that the "
+                       "folder can be written)")
                         .arg(QDir::home().filePath(QLatin1String(userDirectoryName))));
     }
 }

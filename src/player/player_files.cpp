@@ -146,7 +146,9 @@ void Player::saveBookmarksFile()
         return;
     }
     if (!bookmarksfile::write(m_bookmarks, m_bookmarksFile)) {
-        reportError(tr("Failed to save bookmarks file: %1").arg(m_bookmarksFile));
+        reportError(tr("Failed to save bookmarks file: %1 (make room there and save again, or "
+                       "choose another place with Save Bookmarks As)")
+                        .arg(m_bookmarksFile));
         return;
     }
     rememberBookmarksFile();

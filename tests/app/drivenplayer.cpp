@@ -7,6 +7,7 @@
 #include <QElapsedTimer>
 #include <QGuiApplication>
 #include <QPixmap>
+#include <QRegularExpression>
 #include <QScreen>
 #include <QSettings>
 #include <QTcpServer>
@@ -315,7 +316,9 @@ QString DrivenPlayer::consoleText()
     };
     static_cast<void>(QTest::qWaitFor(copies, limitMs));
     focus();
-    return text;
+    // Every start says first what it is.
+    return text.contains(QRegularExpression("^INFO: Vantor \\d")) ? text.section('\n', 1)
+                                                                  : "No version: " + text;
 }
 
 QImage DrivenPlayer::view() const

@@ -57,7 +57,7 @@ public:
     /// Waits until title, picture and timelines show the frame; what they show at the end.
     [[nodiscard]] QString awaitSight(const Scene& scene, int frame) const;
     [[nodiscard]] QImage console() const; // null while it is hidden
-    [[nodiscard]] QString consoleText(); // empty where it does not come up
+    [[nodiscard]] QString consoleText(); // after its first line; empty where it does not come up
     [[nodiscard]] QImage view() const; // the video's, between the two timelines
     [[nodiscard]] int picture(const Clip& clip) const; // the number it shows, -1 without one
     /// Degrees by which the picture is turned clockwise, behind "mirrored" where it is that first.

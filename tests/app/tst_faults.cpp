@@ -148,7 +148,8 @@ void TestFaults::fullDisk_losesNothing()
     limitFiles(player, 0);
     player.hold("f");
     player.hold("Control+s");
-    QCOMPARE(player.consoleText(), "ERROR: Failed to save bookmarks file: " + marks);
+    QCOMPARE(
+        player.consoleText().section(" (", 0, 0), "ERROR: Failed to save bookmarks file: " + marks);
     QCOMPARE(bytesOf(marks), oldMarks);
     limitFiles(player, RLIM_INFINITY);
     player.hold("Control+s");
@@ -171,7 +172,7 @@ void TestFaults::readOnlyHome()
     QVERIFY(player.start(scene.arguments()));
     SHOWS(player, scene, 10);
     player.hold("Control+k"); // which saves them, in a window of another kind
-    QCOMPARE(player.consoleText(), "ERROR: Failed to save settings in " + home);
+    QCOMPARE(player.consoleText().section(" (", 0, 0), "ERROR: Failed to save settings in " + home);
     SHOWS(player, scene, 10);
     QVERIFY(player.close());
     QCOMPARE(bytesOf(home + "/vantor.ini"), oldSettings);
@@ -187,7 +188,7 @@ void TestFaults::portTaken_isTold()
     const Scene scene{ clip("opengop.mp4"), 10, 50 };
     QVERIFY(player.start(scene.arguments()));
     SHOWS(player, scene, 10);
-    QCOMPARE(player.consoleText(),
+    QCOMPARE(player.consoleText().section(" If", 0, 0),
         QString("WARNING: Remote control is off: port %1 cannot be used.").arg(other.serverPort()));
 }
 
