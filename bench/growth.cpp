@@ -90,7 +90,7 @@ void openFilm(benchmark::State& state, int seconds)
         }
         Rig rig;
         QRandomGenerator random(seed);
-        bool right = rig.open(path) && rig.awaitPicture();
+        bool right = rig.open(path) && rig.awaitReady();
         for (int i = 0; i < tries && right; ++i) {
             const int frame = random.bounded(1, seconds * rate + 1);
             const Stopwatch watch;

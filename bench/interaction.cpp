@@ -37,7 +37,7 @@ void openToPicture(benchmark::State& state, const std::string& path)
 void stepInCache(benchmark::State& state, const std::string& path)
 {
     Rig rig;
-    if (!rig.open(path) || !rig.awaitPicture()) {
+    if (!rig.open(path) || !rig.awaitReady()) {
         state.SkipWithError("the file does not open");
         return;
     }
@@ -69,7 +69,7 @@ void stepInCache(benchmark::State& state, const std::string& path)
 void seekOutsideCache(benchmark::State& state, const std::string& path)
 {
     Rig rig;
-    if (!rig.open(path) || !rig.awaitPicture()) {
+    if (!rig.open(path) || !rig.awaitReady()) {
         state.SkipWithError("the file does not open");
         return;
     }

@@ -44,6 +44,11 @@ bool Rig::awaitPicture()
     return waitUntil([this] { return holdsPicture(); });
 }
 
+bool Rig::awaitReady()
+{
+    return waitUntil([this] { return m_manager.status() == PlaybackManager::Ready; });
+}
+
 void Rig::awaitFullCache()
 {
     int frames = -1;

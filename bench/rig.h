@@ -31,6 +31,9 @@ public:
     /// Waits for a picture; false when none comes.
     bool awaitPicture();
 
+    /// Waits until frames can be asked for, which the first picture may come before.
+    bool awaitReady();
+
     /// Waits until nothing more is decoded into the cache.
     void awaitFullCache();
 
