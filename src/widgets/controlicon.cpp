@@ -23,7 +23,8 @@ QPixmap faded(const QPixmap& normal)
 QIcon controlIcon(const QString& resource)
 {
     QIcon icon(resource);
-    for (const char* variant : { "", "@2x" }) {
+    icon.addPixmap(QPixmap(resource + QLatin1String("@1.5x"))); // Qt finds those of whole factors
+    for (const char* variant : { "", "@1.5x", "@2x" }) {
         const QPixmap normal(resource + QLatin1String(variant));
         if (!normal.isNull()) {
             icon.addPixmap(faded(normal), QIcon::Disabled);

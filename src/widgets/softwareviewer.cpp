@@ -17,6 +17,7 @@ void SoftwareViewer::setPixmap(QPixmap pixmap)
     m_pixmap = std::move(pixmap);
     if (m_pixmap.isNull()) {
         m_scaled = QPixmap();
+        m_imageSize = { 0, 0 };
         m_scaledKey = 0;
     }
     update();
@@ -36,10 +37,20 @@ bool SoftwareViewer::isStretched() const
     return !m_shape.isEmpty() && m_shape != m_pixmap.size();
 }
 
+Qt::AspectRatioMode SoftwareViewer::aspectMode() const
+{
+    return isStretched() ? Qt::IgnoreAspectRatio : Qt::KeepAspectRatio;
+}
+
+QSize SoftwareViewer::sizeWithin(const QSize& room) const
+{
+    const QSize shape = isStretched() ? m_shape : m_pixmap.size();
+    return m_pixmap.size().scaled(shape.scaled(room, Qt::KeepAspectRatio), aspectMode());
+}
+
 QPixmap SoftwareViewer::scaledTo(const QSize& size) const
 {
-    return m_pixmap.scaled(size, isStretched() ? Qt::IgnoreAspectRatio : Qt::KeepAspectRatio,
-        Qt::SmoothTransformation);
+    return m_pixmap.scaled(size, aspectMode(), Qt::SmoothTransformation);
 }
 
 void SoftwareViewer::paintEvent(QPaintEvent* /*event*/)
@@ -50,12 +61,21 @@ void SoftwareViewer::paintEvent(QPaintEvent* /*event*/)
         return;
     }
     const qreal ratio = devicePixelRatioF();
-    const QSize room(qRound(width() * ratio), qRound(height() * ratio));
+    const QSize room = roomOnScreen(ratio);
     scaleInto(room, ratio);
     painter.setRenderHint(QPainter::Antialiasing);
     const int x = (room.width() - m_scaled.width()) / 2;
     const int y = (room.height() - m_scaled.height()) / 2;
     painter.drawPixmap(QPointF(x / ratio, y / ratio), m_scaled);
+}
+
+// With a fraction for a ratio the widget can start and end amid a pixel of the screen.
+QSize SoftwareViewer::roomOnScreen(qreal devicePixelRatio) const
+{
+    const auto pixel = [=](int place) { return qRound(place * devicePixelRatio); };
+    const QPoint start = mapTo(window(), QPoint());
+    return { pixel(start.x() + width()) - pixel(start.x()),
+        pixel(start.y() + height()) - pixel(start.y()) };
 }
 
 void SoftwareViewer::scaleInto(const QSize& deviceSize, qreal devicePixelRatio)
@@ -66,7 +86,8 @@ void SoftwareViewer::scaleInto(const QSize& deviceSize, qreal devicePixelRatio)
     }
     m_scaledKey = m_pixmap.cacheKey();
     m_scaledFor = deviceSize;
-    const QSize shape = isStretched() ? m_shape : m_pixmap.size();
-    m_scaled = scaledTo(shape.scaled(deviceSize, Qt::KeepAspectRatio));
+    m_imageSize = sizeWithin(size());
+    m_scaled =
+        m_pixmap.scaled(sizeWithin(deviceSize), Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
     m_scaled.setDevicePixelRatio(devicePixelRatio);
 }

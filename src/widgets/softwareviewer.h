@@ -14,10 +14,10 @@ public:
     /// The picture as it was given, null when there is none.
     [[nodiscard]] QPixmap pixmap() const { return m_pixmap; }
 
-    /// Size in device pixels at which the picture was last drawn; 0 when there is no picture or
-    /// none was drawn yet.
-    [[nodiscard]] int imageWidth() const { return m_scaled.width(); }
-    [[nodiscard]] int imageHeight() const { return m_scaled.height(); }
+    /// Size at which the picture was last drawn, in the widget's pixels whatever number of the
+    /// screen's they take; 0 when there is no picture or none was drawn yet.
+    [[nodiscard]] int imageWidth() const { return m_imageSize.width(); }
+    [[nodiscard]] int imageHeight() const { return m_imageSize.height(); }
 
     /// The picture scaled into that size, stretched to fill it where its pixels are not square.
     [[nodiscard]] QPixmap scaledTo(const QSize& size) const;
@@ -32,11 +32,15 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    [[nodiscard]] QSize roomOnScreen(qreal devicePixelRatio) const;
     void scaleInto(const QSize& deviceSize, qreal devicePixelRatio);
     [[nodiscard]] bool isStretched() const;
+    [[nodiscard]] Qt::AspectRatioMode aspectMode() const;
+    [[nodiscard]] QSize sizeWithin(const QSize& room) const; // of the picture
 
     QPixmap m_pixmap;
     QSize m_shape; // tells of proportions alone
+    QSize m_imageSize{ 0, 0 };
     QPixmap m_scaled; // m_pixmap in the size of the last paint; scaling costs far more than drawing
     qint64 m_scaledKey = 0; // which picture m_scaled was made from
     QSize m_scaledFor; // and for which room, in device pixels

@@ -64,7 +64,7 @@ private Q_SLOTS:
         QImage shown = viewer.grab().toImage();
         shown.setDevicePixelRatio(1.0);
         QCOMPARE(shown.convertToFormat(QImage::Format_RGB32), stripes);
-        QCOMPARE(viewer.imageWidth(), 64);
+        QCOMPARE(viewer.imageWidth(), 32);
     }
 };
 
