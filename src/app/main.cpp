@@ -1,6 +1,7 @@
 #include "darktheme.h"
 #include "launchrequest.h"
 #include "player.h"
+#include "screenscale.h"
 #include "singleapplication.h"
 #include "terminationsignals.h"
 
@@ -77,6 +78,7 @@ int main(int argc, char* argv[])
     // The desktop finds the window's entry, and by that its name and icon, where both have this
     // name.
     QGuiApplication::setDesktopFileName(QStringLiteral("org.quillon.vantor"));
+    screenscale::followDesktop();
     SingleApplication application(argc, argv, QStringLiteral("vantorUniqueKey"));
     SingleApplication::setApplicationVersion(QStringLiteral(VANTOR_VERSION));
     const QStringList arguments = SingleApplication::arguments();
