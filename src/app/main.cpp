@@ -4,6 +4,7 @@
 #include "screenscale.h"
 #include "singleapplication.h"
 #include "terminationsignals.h"
+#include "translations.h"
 
 #include <QTimer>
 
@@ -15,7 +16,7 @@ namespace {
 constexpr int endMs = 1000; // for closing in order; then the program ends anyway
 
 constexpr char version[] = "vantor " VANTOR_VERSION "\n";
-constexpr char help[] = R"(Usage: vantor [FILE [START [END]]]
+constexpr char help[] = QT_TRANSLATE_NOOP("main", R"(Usage: vantor [FILE [START [END]]]
 
 Plays video frame by frame.
 
@@ -28,7 +29,16 @@ machine can drive it through port 17171 (tcpPort in ~/.quillon/vantor.ini).
 
   --help     print this and exit
   --version  print the version and exit
-)";
+)");
+
+// Prints it in the user's language where there is one; the exit code.
+int print(int argc, char** argv, const char* text)
+{
+    const QCoreApplication application(argc, argv);
+    loadTranslations();
+    const QByteArray translated = QCoreApplication::translate("main", text).toLocal8Bit();
+    return std::fputs(translated.constData(), stdout) == EOF || std::fflush(stdout) == EOF ? 1 : 0;
+}
 
 // What `argument`, standing alone, asks to be printed; null for all else.
 const char* textFor(const char* argument)
@@ -64,7 +74,7 @@ int run(SingleApplication& application, const LaunchRequest& request)
 int main(int argc, char* argv[])
 {
     if (const char* text = argc == 2 ? textFor(argv[1]) : nullptr) {
-        return std::fputs(text, stdout) == EOF || std::fflush(stdout) == EOF ? 1 : 0;
+        return print(argc, argv, text);
     }
     // The sound library would start a sound server of its own where none runs.
     qputenv("JACK_NO_START_SERVER", "1");
@@ -86,6 +96,7 @@ int main(int argc, char* argv[])
     if (application.sendMessage(LaunchRequest::commandLineToSend(arguments), false)) {
         return 0;
     }
+    loadTranslations();
     applyDarkTheme(application);
     return run(application, LaunchRequest::fromCommandLine(arguments));
 }

@@ -6,11 +6,6 @@
 
 namespace {
 
-QString tr(const char* text)
-{
-    return QCoreApplication::translate("PlaybackManager", text);
-}
-
 // By AudioManager::Error, from InitError on.
 constexpr std::array audioTexts{
     QT_TRANSLATE_NOOP("PlaybackManager", "Failed to initial audio engine: %1"),
@@ -28,26 +23,27 @@ constexpr std::array audioTexts{
 PlaybackError describe(MediaManager::Error error)
 {
     if (error == MediaManager::OpenError) {
-        return { PlaybackManager::FormatError, tr("Failed to open media. Invalid file.") };
+        return { PlaybackManager::FormatError,
+            PlaybackManager::tr("Failed to open media. Invalid file.") };
     }
-    return { PlaybackManager::UnknownError, tr("Unknown media error.") };
+    return { PlaybackManager::UnknownError, PlaybackManager::tr("Unknown media error.") };
 }
 
 PlaybackError describe(VideoManager::Error error)
 {
     if (error == VideoManager::InitError) {
-        return { PlaybackManager::ResourceError, tr("Failed to initial video") };
+        return { PlaybackManager::ResourceError, PlaybackManager::tr("Failed to initial video") };
     }
-    return { PlaybackManager::UnknownError, tr("Unknown video error.") };
+    return { PlaybackManager::UnknownError, PlaybackManager::tr("Unknown video error.") };
 }
 
 PlaybackError describe(AudioManager::Error error, const QString& detail)
 {
     const int row = static_cast<int>(error) - 1;
     if (row < 0 || row >= static_cast<int>(audioTexts.size())) {
-        return { PlaybackManager::UnknownError, tr("Unknown audio error.") };
+        return { PlaybackManager::UnknownError, PlaybackManager::tr("Unknown audio error.") };
     }
-    QString text = tr(audioTexts[static_cast<size_t>(row)]);
+    QString text = PlaybackManager::tr(audioTexts[static_cast<size_t>(row)]);
     if (text.contains(QLatin1String("%1"))) {
         text = text.arg(detail);
     }

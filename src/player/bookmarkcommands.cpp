@@ -18,6 +18,7 @@ void BookmarkCommands::addFrame(int frame)
 
 void BookmarkCommands::addRange(int start, int end)
 {
+    // The name goes into the bookmarks file, which reads the same in every language.
     m_bookmarks.addRange(
         start, end, QString::number(start) + QLatin1String(" - ") + QString::number(end));
     m_bookmarks.setCurrentRange(start, end);

@@ -63,125 +63,137 @@ Command applied(Command command)
     return command;
 }
 
+// In the names of the English keyboard, whatever language the program speaks.
 QKeySequence keys(const char* text)
 {
-    return QKeySequence(QString::fromLatin1(text));
+    return QKeySequence(QString::fromLatin1(text), QKeySequence::PortableText);
 }
+
+// Gives the texts of the table the context in which the window translates them.
+struct CommandTexts {
+    Q_DECLARE_TR_FUNCTIONS(Player)
+
+public:
+    static std::vector<Command> table();
+};
 
 } // namespace
 
-#define TEXT(text) QT_TRANSLATE_NOOP("Player", text)
-
 // clang-format off
-const std::vector<Command>& commandTable()
+std::vector<Command> CommandTexts::table()
 {
-    static const std::vector<Command> table{
-        plain(Menu::File, "open", TEXT("Open..."), TEXT("Open Media"), QKeySequence::Open, &Player::open),
-        plain(Menu::File, "openBookmarks", TEXT("Open Bookmarks..."), TEXT("Open Bookmarks"), keys("Ctrl+Shift+O"), &Player::openBookmarksFile),
+    return {
+        plain(Menu::File, "open", QT_TR_NOOP("Open..."), QT_TR_NOOP("Open Media"), QKeySequence::Open, &Player::open),
+        plain(Menu::File, "openBookmarks", QT_TR_NOOP("Open Bookmarks..."), QT_TR_NOOP("Open Bookmarks"), keys("Ctrl+Shift+O"), &Player::openBookmarksFile),
         separator(Menu::File),
-        plain(Menu::File, "saveBookmarks", TEXT("Save Bookmarks"), TEXT("Save Bookmarks"), QKeySequence::Save, &Player::saveBookmarksFile),
-        plain(Menu::File, "saveBookmarksAs", TEXT("Save Bookmarks As..."), TEXT("Open Bookmarks"), keys("Ctrl+Shift+S"), &Player::saveBookmarksFileAs),
+        plain(Menu::File, "saveBookmarks", QT_TR_NOOP("Save Bookmarks"), QT_TR_NOOP("Save Bookmarks"), QKeySequence::Save, &Player::saveBookmarksFile),
+        plain(Menu::File, "saveBookmarksAs", QT_TR_NOOP("Save Bookmarks As..."), QT_TR_NOOP("Open Bookmarks"), keys("Ctrl+Shift+S"), &Player::saveBookmarksFileAs),
         separator(Menu::File),
-        plain(Menu::File, "copyCurrentMedia", TEXT("Copy Current Media..."), TEXT("Copy Current Media"), keys("Ctrl+D"), &Player::copyCurrentMedia),
+        plain(Menu::File, "copyCurrentMedia", QT_TR_NOOP("Copy Current Media..."), QT_TR_NOOP("Copy Current Media"), keys("Ctrl+D"), &Player::copyCurrentMedia),
         separator(Menu::File),
         submenu(Menu::File, Menu::RecentMedia),
         submenu(Menu::File, Menu::RecentBookmarks),
         separator(Menu::File),
-        plain(Menu::File, "close", TEXT("Close"), TEXT("Close"), keys("Ctrl+W"), &Player::stop),
+        plain(Menu::File, "close", QT_TR_NOOP("Close"), QT_TR_NOOP("Close"), keys("Ctrl+W"), &Player::stop),
         separator(Menu::File),
-        plain(Menu::File, "exit", TEXT("Exit"), TEXT("Exit"), QKeySequence::Quit, &Player::exit),
+        plain(Menu::File, "exit", QT_TR_NOOP("Exit"), QT_TR_NOOP("Exit"), QKeySequence::Quit, &Player::exit),
 
-        plain(Menu::Edit, "rangeStartToCurrent", TEXT("Range Start to Current"), TEXT("Range Start to Current"), keys(","), &Player::setStartRangeToCurrent),
-        plain(Menu::Edit, "rangeEndToCurrent", TEXT("Range End to Current"), TEXT("Range End to Current"), keys("."), &Player::setEndRangeToCurrent),
-        plain(Menu::Edit, "resetRange", TEXT("Reset Range"), TEXT("Reset Playback Range"), keys("Ctrl+P"), &Player::resetFrameRange),
+        plain(Menu::Edit, "rangeStartToCurrent", QT_TR_NOOP("Range Start to Current"), QT_TR_NOOP("Range Start to Current"), keys(","), &Player::setStartRangeToCurrent),
+        plain(Menu::Edit, "rangeEndToCurrent", QT_TR_NOOP("Range End to Current"), QT_TR_NOOP("Range End to Current"), keys("."), &Player::setEndRangeToCurrent),
+        plain(Menu::Edit, "resetRange", QT_TR_NOOP("Reset Range"), QT_TR_NOOP("Reset Playback Range"), keys("Ctrl+P"), &Player::resetFrameRange),
         separator(Menu::Edit),
-        plain(Menu::Edit, "cacheFromCurrent", TEXT("Cache From Current"), TEXT("Cache From Current"), keys("C"), &Player::cacheFromCurrent),
+        plain(Menu::Edit, "cacheFromCurrent", QT_TR_NOOP("Cache From Current"), QT_TR_NOOP("Cache From Current"), keys("C"), &Player::cacheFromCurrent),
         separator(Menu::Edit),
-        applied(checkable(Menu::Edit, "alwaysOnTop", TEXT("Always on Top"), TEXT("Always on Top"), keys("Ctrl+K"), &Player::setAlwaysOnTopEnabled, &Settings::alwaysOnTop)),
+        applied(checkable(Menu::Edit, "alwaysOnTop", QT_TR_NOOP("Always on Top"), QT_TR_NOOP("Always on Top"), keys("Ctrl+K"), &Player::setAlwaysOnTopEnabled, &Settings::alwaysOnTop)),
         separator(Menu::Edit),
-        plain(Menu::Edit, "preferences", TEXT("Preferences..."), TEXT("Preferences"), keys("Ctrl+Shift+P"), &Player::preferences),
+        plain(Menu::Edit, "preferences", QT_TR_NOOP("Preferences..."), QT_TR_NOOP("Preferences"), keys("Ctrl+Shift+P"), &Player::preferences),
 
         submenu(Menu::Playback, Menu::Speed),
-        plain(Menu::Speed, "speedNormal", TEXT("Normal"), TEXT("Normal"), keys("0"), &Player::setSpeedNormal),
-        plain(Menu::Speed, "speedHalf", TEXT("Half"), TEXT("Half"), keys("9"), &Player::setSpeedHalf),
-        plain(Menu::Speed, "speedQuarter", TEXT("Quarter"), TEXT("Quarter"), keys("8"), &Player::setSpeedQuarter),
+        plain(Menu::Speed, "speedNormal", QT_TR_NOOP("Normal"), QT_TR_NOOP("Normal"), keys("0"), &Player::setSpeedNormal),
+        plain(Menu::Speed, "speedHalf", QT_TR_NOOP("Half"), QT_TR_NOOP("Half"), keys("9"), &Player::setSpeedHalf),
+        plain(Menu::Speed, "speedQuarter", QT_TR_NOOP("Quarter"), QT_TR_NOOP("Quarter"), keys("8"), &Player::setSpeedQuarter),
         separator(Menu::Speed),
-        plain(Menu::Speed, "speedIncrease", TEXT("Increase"), TEXT("Increse Speed"), keys("+"), &Player::increaseSpeed),
-        plain(Menu::Speed, "speedDecrease", TEXT("Decrease"), TEXT("Decrease Speed"), keys("-"), &Player::decreaseSpeed),
+        plain(Menu::Speed, "speedIncrease", QT_TR_NOOP("Increase"), QT_TR_NOOP("Increse Speed"), keys("+"), &Player::increaseSpeed),
+        plain(Menu::Speed, "speedDecrease", QT_TR_NOOP("Decrease"), QT_TR_NOOP("Decrease Speed"), keys("-"), &Player::decreaseSpeed),
         separator(Menu::Speed),
-        plain(Menu::Speed, "speedCustom", TEXT("Custom..."), TEXT("Custom Speed"), keys("Ctrl+0"), &Player::setCustomSpeed),
+        plain(Menu::Speed, "speedCustom", QT_TR_NOOP("Custom..."), QT_TR_NOOP("Custom Speed"), keys("Ctrl+0"), &Player::setCustomSpeed),
         separator(Menu::Playback),
-        plain(Menu::Playback, "playPause", TEXT("Play/Pause"), TEXT("Toggle Play/Pause"), Qt::Key_Space, &Player::playForward),
-        plain(Menu::Playback, "stepForward", TEXT("Step Forward"), TEXT("Step Forward"), {}, &Player::stepForward),
-        plain(Menu::Playback, "stepBackward", TEXT("Step Backward"), TEXT("Step Backward"), {}, &Player::stepBackward),
+        plain(Menu::Playback, "playPause", QT_TR_NOOP("Play/Pause"), QT_TR_NOOP("Toggle Play/Pause"), Qt::Key_Space, &Player::playForward),
+        plain(Menu::Playback, "stepForward", QT_TR_NOOP("Step Forward"), QT_TR_NOOP("Step Forward"), {}, &Player::stepForward),
+        plain(Menu::Playback, "stepBackward", QT_TR_NOOP("Step Backward"), QT_TR_NOOP("Step Backward"), {}, &Player::stepBackward),
         separator(Menu::Playback),
-        plain(Menu::Playback, "start", TEXT("Start"), TEXT("Start"), Qt::Key_Home, &Player::seekStart),
-        plain(Menu::Playback, "end", TEXT("End"), TEXT("End"), Qt::Key_End, &Player::seekEnd),
-        plain(Menu::Playback, "rangeStart", TEXT("Range Start"), TEXT("Range Start"), keys("Ctrl+Left"), &Player::seekRangeStart),
-        plain(Menu::Playback, "rangeEnd", TEXT("Range End"), TEXT("Range End"), keys("Ctrl+Right"), &Player::seekRangeEnd),
+        plain(Menu::Playback, "start", QT_TR_NOOP("Start"), QT_TR_NOOP("Start"), Qt::Key_Home, &Player::seekStart),
+        plain(Menu::Playback, "end", QT_TR_NOOP("End"), QT_TR_NOOP("End"), Qt::Key_End, &Player::seekEnd),
+        plain(Menu::Playback, "rangeStart", QT_TR_NOOP("Range Start"), QT_TR_NOOP("Range Start"), keys("Ctrl+Left"), &Player::seekRangeStart),
+        plain(Menu::Playback, "rangeEnd", QT_TR_NOOP("Range End"), QT_TR_NOOP("Range End"), keys("Ctrl+Right"), &Player::seekRangeEnd),
         separator(Menu::Playback),
-        checkable(Menu::Playback, "loop", TEXT("Loop"), TEXT("Loop"), keys("Ctrl+L"), &Player::setLoopEnabled, &Settings::loop),
-        checkable(Menu::Playback, "loopOnStep", TEXT("Loop on Step"), TEXT("Loop on Step"), keys("Ctrl+Shift+L"), &Player::setLoopOnStepEnabled, &Settings::loopOnStep),
-        checkable(Menu::Playback, "loopOnScrub", TEXT("Loop on Scrub"), TEXT("Loop on Scrub"), keys("Ctrl+Alt+L"), &Player::setLoopOnScrubEnabled, &Settings::loopOnScrub),
+        checkable(Menu::Playback, "loop", QT_TR_NOOP("Loop"), QT_TR_NOOP("Loop"), keys("Ctrl+L"), &Player::setLoopEnabled, &Settings::loop),
+        checkable(Menu::Playback, "loopOnStep", QT_TR_NOOP("Loop on Step"), QT_TR_NOOP("Loop on Step"), keys("Ctrl+Shift+L"), &Player::setLoopOnStepEnabled, &Settings::loopOnStep),
+        checkable(Menu::Playback, "loopOnScrub", QT_TR_NOOP("Loop on Scrub"), QT_TR_NOOP("Loop on Scrub"), keys("Ctrl+Alt+L"), &Player::setLoopOnScrubEnabled, &Settings::loopOnScrub),
         separator(Menu::Playback),
-        checkable(Menu::Playback, "autoplay", TEXT("Autoplay"), TEXT("Autoplay"), keys("Ctrl+A"), &Player::setAutoplayEnabled, &Settings::autoplay),
+        checkable(Menu::Playback, "autoplay", QT_TR_NOOP("Autoplay"), QT_TR_NOOP("Autoplay"), keys("Ctrl+A"), &Player::setAutoplayEnabled, &Settings::autoplay),
 
-        checkableByHand(Menu::Audio, "audioScrub", TEXT("Audio Scrub"), TEXT("Audio Scrub"), keys("Ctrl+Shift+A"), &Player::setAudioScrubEnabled, &Settings::audioScrub),
+        checkableByHand(Menu::Audio, "audioScrub", QT_TR_NOOP("Audio Scrub"), QT_TR_NOOP("Audio Scrub"), keys("Ctrl+Shift+A"), &Player::setAudioScrubEnabled, &Settings::audioScrub),
         separator(Menu::Audio),
-        plain(Menu::Audio, "increaseVolume", TEXT("Increase Volume"), TEXT("Increase Volume"), keys("Shift+Up"), &Player::increaseVolume),
-        plain(Menu::Audio, "decreaseVolume", TEXT("Decrease Volume"), TEXT("Decrease Volume"), keys("Shift+Down"), &Player::decreaseVolume),
-        plain(Menu::Audio, "mute", TEXT("Mute"), TEXT("Mute"), keys("M"), &Player::toggleMute),
+        plain(Menu::Audio, "increaseVolume", QT_TR_NOOP("Increase Volume"), QT_TR_NOOP("Increase Volume"), keys("Shift+Up"), &Player::increaseVolume),
+        plain(Menu::Audio, "decreaseVolume", QT_TR_NOOP("Decrease Volume"), QT_TR_NOOP("Decrease Volume"), keys("Shift+Down"), &Player::decreaseVolume),
+        plain(Menu::Audio, "mute", QT_TR_NOOP("Mute"), QT_TR_NOOP("Mute"), keys("M"), &Player::toggleMute),
 
-        plain(Menu::Video, "originalSize", TEXT("Original Size"), TEXT("Original Size"), keys("1"), &Player::resizeToOriginal),
+        plain(Menu::Video, "originalSize", QT_TR_NOOP("Original Size"), QT_TR_NOOP("Original Size"), keys("1"), &Player::resizeToOriginal),
         separator(Menu::Video),
-        plain(Menu::Video, "halfSize", TEXT("Half Size"), TEXT("Half Size"), keys("2"), &Player::resizeToHalf),
-        plain(Menu::Video, "quarterSize", TEXT("Quarter Size"), TEXT("Quarter Size"), keys("3"), &Player::resizeToQuarter),
+        plain(Menu::Video, "halfSize", QT_TR_NOOP("Half Size"), QT_TR_NOOP("Half Size"), keys("2"), &Player::resizeToHalf),
+        plain(Menu::Video, "quarterSize", QT_TR_NOOP("Quarter Size"), QT_TR_NOOP("Quarter Size"), keys("3"), &Player::resizeToQuarter),
         separator(Menu::Video),
-        plain(Menu::Video, "doubleSize", TEXT("Double Size"), TEXT("Double Size"), keys("Ctrl+2"), &Player::resizeToDouble),
+        plain(Menu::Video, "doubleSize", QT_TR_NOOP("Double Size"), QT_TR_NOOP("Double Size"), keys("Ctrl+2"), &Player::resizeToDouble),
         separator(Menu::Video),
-        checkableByHand(Menu::Video, "flipHorizontal", TEXT("Flip Horizontal"), TEXT("Flip Horizontal"), keys("X"), &Player::flip),
-        checkableByHand(Menu::Video, "flipVertical", TEXT("Flip Vertical"), TEXT("Flip Vertical"), keys("Y"), &Player::flip),
+        checkableByHand(Menu::Video, "flipHorizontal", QT_TR_NOOP("Flip Horizontal"), QT_TR_NOOP("Flip Horizontal"), keys("X"), &Player::flip),
+        checkableByHand(Menu::Video, "flipVertical", QT_TR_NOOP("Flip Vertical"), QT_TR_NOOP("Flip Vertical"), keys("Y"), &Player::flip),
         separator(Menu::Video),
-        checkableByHand(Menu::Video, "rotateCW", TEXT("Rotate CW"), TEXT("Rotate CW"), keys("Ctrl+Shift+M"), &Player::rotateImageCW),
-        checkableByHand(Menu::Video, "rotateCCW", TEXT("Rotate CCW"), TEXT("Rotate CCW"), keys("Ctrl+Shift+N"), &Player::rotateImageCCW),
+        checkableByHand(Menu::Video, "rotateCW", QT_TR_NOOP("Rotate CW"), QT_TR_NOOP("Rotate CW"), keys("Ctrl+Shift+M"), &Player::rotateImageCW),
+        checkableByHand(Menu::Video, "rotateCCW", QT_TR_NOOP("Rotate CCW"), QT_TR_NOOP("Rotate CCW"), keys("Ctrl+Shift+N"), &Player::rotateImageCCW),
         separator(Menu::Video),
-        plain(Menu::Video, "takeSnapshot", TEXT("Take Snapshot"), TEXT("Take Snapshot"), keys("Ctrl+C"), &Player::takeSnapshot),
+        plain(Menu::Video, "takeSnapshot", QT_TR_NOOP("Take Snapshot"), QT_TR_NOOP("Take Snapshot"), keys("Ctrl+C"), &Player::takeSnapshot),
 
-        plain(Menu::Bookmarks, "bookmarkFrame", TEXT("Bookmark Frame"), TEXT("Bookmark Frame"), keys("F"), &Player::addFrameBookmark),
-        plain(Menu::Bookmarks, "bookmarkRange", TEXT("Bookmark Range"), TEXT("Bookmark Range"), keys("R"), &Player::addRangeBookmark),
+        plain(Menu::Bookmarks, "bookmarkFrame", QT_TR_NOOP("Bookmark Frame"), QT_TR_NOOP("Bookmark Frame"), keys("F"), &Player::addFrameBookmark),
+        plain(Menu::Bookmarks, "bookmarkRange", QT_TR_NOOP("Bookmark Range"), QT_TR_NOOP("Bookmark Range"), keys("R"), &Player::addRangeBookmark),
         separator(Menu::Bookmarks),
         submenu(Menu::Bookmarks, Menu::Clear),
-        plain(Menu::Clear, "clearCurrentFrame", TEXT("Current Frame"), TEXT("Clear Current Frame"), keys("Ctrl+F"), &Player::clearCurrentFrameBookmark),
-        plain(Menu::Clear, "clearFramesInRange", TEXT("Frames in Range"), TEXT("Clear Frames in Range"), keys("Shift+F"), &Player::clearFrameBookmarksInRange),
-        plain(Menu::Clear, "clearAllFrames", TEXT("All Frames"), TEXT("Clear All Frames"), keys("Ctrl+Shift+F"), &Player::clearAllFrameBookmarks),
+        plain(Menu::Clear, "clearCurrentFrame", QT_TR_NOOP("Current Frame"), QT_TR_NOOP("Clear Current Frame"), keys("Ctrl+F"), &Player::clearCurrentFrameBookmark),
+        plain(Menu::Clear, "clearFramesInRange", QT_TR_NOOP("Frames in Range"), QT_TR_NOOP("Clear Frames in Range"), keys("Shift+F"), &Player::clearFrameBookmarksInRange),
+        plain(Menu::Clear, "clearAllFrames", QT_TR_NOOP("All Frames"), QT_TR_NOOP("Clear All Frames"), keys("Ctrl+Shift+F"), &Player::clearAllFrameBookmarks),
         separator(Menu::Clear),
-        plain(Menu::Clear, "clearCurrentRange", TEXT("Current Range"), TEXT("Clear Current Range"), keys("Ctrl+R"), &Player::clearCurrentRangeBookmark),
-        plain(Menu::Clear, "clearAllRanges", TEXT("All Ranges"), TEXT("Clear All Ranges"), keys("Ctrl+Shift+R"), &Player::clearAllRangeBookmarks),
+        plain(Menu::Clear, "clearCurrentRange", QT_TR_NOOP("Current Range"), QT_TR_NOOP("Clear Current Range"), keys("Ctrl+R"), &Player::clearCurrentRangeBookmark),
+        plain(Menu::Clear, "clearAllRanges", QT_TR_NOOP("All Ranges"), QT_TR_NOOP("Clear All Ranges"), keys("Ctrl+Shift+R"), &Player::clearAllRangeBookmarks),
         separator(Menu::Clear),
-        plain(Menu::Clear, "clearAll", TEXT("Clear All"), TEXT("Clear All"), {}, &Player::clearAllBookmarks),
+        plain(Menu::Clear, "clearAll", QT_TR_NOOP("Clear All"), QT_TR_NOOP("Clear All"), {}, &Player::clearAllBookmarks),
         separator(Menu::Bookmarks),
-        plain(Menu::Bookmarks, "previousFrameBookmark", TEXT("Previous Frame"), TEXT("Previous Frame"), keys("["), &Player::previousFrameBookmark),
-        plain(Menu::Bookmarks, "nextFrameBookmark", TEXT("Next Frame"), TEXT("Next Frame"), keys("]"), &Player::nextFrameBookmark),
-        plain(Menu::Bookmarks, "previousRangeBookmark", TEXT("Previous Range"), TEXT("Previous Range"), keys("Ctrl+["), &Player::previousRangeBookmark),
-        plain(Menu::Bookmarks, "nextRangeBookmark", TEXT("Next Range"), TEXT("Next Range"), keys("Ctrl+]"), &Player::nextRangeBookmark),
+        plain(Menu::Bookmarks, "previousFrameBookmark", QT_TR_NOOP("Previous Frame"), QT_TR_NOOP("Previous Frame"), keys("["), &Player::previousFrameBookmark),
+        plain(Menu::Bookmarks, "nextFrameBookmark", QT_TR_NOOP("Next Frame"), QT_TR_NOOP("Next Frame"), keys("]"), &Player::nextFrameBookmark),
+        plain(Menu::Bookmarks, "previousRangeBookmark", QT_TR_NOOP("Previous Range"), QT_TR_NOOP("Previous Range"), keys("Ctrl+["), &Player::previousRangeBookmark),
+        plain(Menu::Bookmarks, "nextRangeBookmark", QT_TR_NOOP("Next Range"), QT_TR_NOOP("Next Range"), keys("Ctrl+]"), &Player::nextRangeBookmark),
         separator(Menu::Bookmarks),
         submenu(Menu::Bookmarks, Menu::SetRange),
 
-        plain(Menu::Tools, "swapTimelines", TEXT("Swap Timelines"), TEXT("Swap Timelines"), keys("T"), &Player::swapTimelines),
+        plain(Menu::Tools, "swapTimelines", QT_TR_NOOP("Swap Timelines"), QT_TR_NOOP("Swap Timelines"), keys("T"), &Player::swapTimelines),
         separator(Menu::Tools),
-        checkable(Menu::Tools, "timeline", TEXT("Timeline"), TEXT("Timeline"), Qt::Key_F2, &Player::setTimelineVisible, &Settings::showTimeline),
-        checkable(Menu::Tools, "rangeTimeline", TEXT("Range Timeline"), TEXT("Range Timeline"), Qt::Key_F3, &Player::setRangeTimelineVisible, &Settings::showRangeTimeline),
+        checkable(Menu::Tools, "timeline", QT_TR_NOOP("Timeline"), QT_TR_NOOP("Timeline"), Qt::Key_F2, &Player::setTimelineVisible, &Settings::showTimeline),
+        checkable(Menu::Tools, "rangeTimeline", QT_TR_NOOP("Range Timeline"), QT_TR_NOOP("Range Timeline"), Qt::Key_F3, &Player::setRangeTimelineVisible, &Settings::showRangeTimeline),
         separator(Menu::Tools),
-        checkable(Menu::Tools, "playbackControls", TEXT("Playback Controls"), TEXT("Playback Controls"), Qt::Key_F6, &Player::setBottomToolbarVisible, &Settings::showBottomToolbar),
+        checkable(Menu::Tools, "playbackControls", QT_TR_NOOP("Playback Controls"), QT_TR_NOOP("Playback Controls"), Qt::Key_F6, &Player::setBottomToolbarVisible, &Settings::showBottomToolbar),
         separator(Menu::Tools),
-        plain(Menu::Tools, "mediaInfo", TEXT("Media Info..."), TEXT("Media Info"), Qt::Key_F9, &Player::mediaInfo),
-        plain(Menu::Tools, "console", TEXT("Console..."), TEXT("Console"), Qt::Key_F10, &Player::console),
+        plain(Menu::Tools, "mediaInfo", QT_TR_NOOP("Media Info..."), QT_TR_NOOP("Media Info"), Qt::Key_F9, &Player::mediaInfo),
+        plain(Menu::Tools, "console", QT_TR_NOOP("Console..."), QT_TR_NOOP("Console"), Qt::Key_F10, &Player::console),
 
-        plain(Menu::Help, "about", TEXT("About..."), TEXT("About"), {}, &Player::about),
+        plain(Menu::Help, "about", QT_TR_NOOP("About..."), QT_TR_NOOP("About"), {}, &Player::about),
 
         // In no menu, so that its key is never active: the menu bar is hidden by a setting alone.
-        checkable(Menu::Nowhere, "menuBar", TEXT("Menu Bar"), TEXT("Menu Bar"), Qt::Key_F5, &Player::setMenuBarVisible, &Settings::showMenuBar),
+        checkable(Menu::Nowhere, "menuBar", QT_TR_NOOP("Menu Bar"), QT_TR_NOOP("Menu Bar"), Qt::Key_F5, &Player::setMenuBarVisible, &Settings::showMenuBar),
     };
+}
+
+const std::vector<Command>& commandTable()
+{
+    static const std::vector<Command> table = CommandTexts::table();
     return table;
 }
 

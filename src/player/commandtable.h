@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCoreApplication>
 #include <QKeySequence>
 
 #include <array>
@@ -27,8 +28,13 @@ enum class Menu {
 };
 
 /// Title of each menu, by its value.
-inline constexpr std::array menuTitles{ "File", "Edit", "Playback", "Audio", "Video", "Bookmarks",
-    "Tools", "Help", "Recent Media", "Recent Bookmarks", "Speed", "Clear", "Set Range" };
+inline constexpr std::array menuTitles{ QT_TRANSLATE_NOOP("Player", "File"),
+    QT_TRANSLATE_NOOP("Player", "Edit"), QT_TRANSLATE_NOOP("Player", "Playback"),
+    QT_TRANSLATE_NOOP("Player", "Audio"), QT_TRANSLATE_NOOP("Player", "Video"),
+    QT_TRANSLATE_NOOP("Player", "Bookmarks"), QT_TRANSLATE_NOOP("Player", "Tools"),
+    QT_TRANSLATE_NOOP("Player", "Help"), QT_TRANSLATE_NOOP("Player", "Recent Media"),
+    QT_TRANSLATE_NOOP("Player", "Recent Bookmarks"), QT_TRANSLATE_NOOP("Player", "Speed"),
+    QT_TRANSLATE_NOOP("Player", "Clear"), QT_TRANSLATE_NOOP("Player", "Set Range") };
 inline constexpr int barMenuCount = 8;
 
 /// One entry of a menu: a command, a menu inside it, or a separator.

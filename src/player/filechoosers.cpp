@@ -12,9 +12,19 @@ namespace {
 constexpr char videoPatterns[] = "*.avi *.f4v *.flv *.m4v *.mkv *.mov *.mp4 *.mpeg *.mpeg4 *.mpg "
                                  "*.webm *.wmv";
 
-QString tr(const char* text)
+struct Texts {
+    Q_DECLARE_TR_FUNCTIONS(filechoosers)
+};
+
+// All files, or those of one kind, which are selected.
+QString filtersWith(const QString& kind)
 {
-    return QCoreApplication::translate("filechoosers", text);
+    return Texts::tr("All Files (*.*)") + QLatin1String(";;") + kind;
+}
+
+QString bookmarksFilter()
+{
+    return Texts::tr("Bookmarks Files (*.%1)").arg(QLatin1String(bookmarksExtension));
 }
 
 QString directoryOfNewest(const QStringList& recentFiles, const QString& otherwise)
@@ -24,10 +34,10 @@ QString directoryOfNewest(const QStringList& recentFiles, const QString& otherwi
 }
 
 // `directory` is where the dialog was left the last time.
-QString chooseToOpen(QWidget* parent, const QString& title, QString& directory,
-    const QString& filters, QString selectedFilter)
+QString chooseToOpen(QWidget* parent, const QString& title, QString& directory, QString filter)
 {
-    QString file = QFileDialog::getOpenFileName(parent, title, directory, filters, &selectedFilter);
+    QString file =
+        QFileDialog::getOpenFileName(parent, title, directory, filtersWith(filter), &filter);
     if (!file.isEmpty()) {
         directory = QFileInfo(file).absolutePath();
     }
@@ -42,10 +52,8 @@ QString filechoosers::mediaToOpen(QWidget* parent, const QStringList& recentFile
     if (directory.isEmpty()) {
         directory = directoryOfNewest(recentFiles, QDir::homePath());
     }
-    const QString patterns = QString::fromLatin1(videoPatterns);
-    return chooseToOpen(parent, tr("Open File"), directory,
-        tr("All Files (*.*);;Video Files (%1)").arg(patterns),
-        tr("Video Files (%1)").arg(patterns));
+    return chooseToOpen(parent, Texts::tr("Open File"), directory,
+        Texts::tr("Video Files (%1)").arg(QLatin1String(videoPatterns)));
 }
 
 QString filechoosers::bookmarksToOpen(QWidget* parent, const QStringList& recentFiles)
@@ -54,24 +62,20 @@ QString filechoosers::bookmarksToOpen(QWidget* parent, const QStringList& recent
     if (directory.isEmpty()) {
         directory = directoryOfNewest(recentFiles, bookmarksDirectory());
     }
-    const QString extension = QString::fromLatin1(bookmarksExtension);
-    return chooseToOpen(parent, tr("Open Bookmarks"), directory,
-        tr("All Files (*.*);;Bookmarks Files (*.%1)").arg(extension),
-        tr("Bookmarks Files (*.%1)").arg(extension));
+    return chooseToOpen(parent, Texts::tr("Open Bookmarks"), directory, bookmarksFilter());
 }
 
 QString filechoosers::bookmarksDestination(QWidget* parent)
 {
-    const QString extension = QString::fromLatin1(bookmarksExtension);
-    QString selected = tr("Bookmarks Files (*.%1)").arg(extension);
-    return QFileDialog::getSaveFileName(parent, tr("Save Bookmarks"), bookmarksDirectory(),
-        tr("All Files (*.*);;Bookmarks Files (*.%1)").arg(extension), &selected);
+    QString filter = bookmarksFilter();
+    return QFileDialog::getSaveFileName(
+        parent, Texts::tr("Save Bookmarks"), bookmarksDirectory(), filtersWith(filter), &filter);
 }
 
 QString filechoosers::copyDestination(QWidget* parent, const QString& media)
 {
     const QFileInfo file(media);
-    QString selected = tr("Current Media (*.%1)").arg(file.suffix());
-    return QFileDialog::getSaveFileName(parent, tr("Copy Current Media"), file.absoluteFilePath(),
-        tr("All Files (*.*);;Current Media (*.%1)").arg(file.suffix()), &selected);
+    QString filter = Texts::tr("Current Media (*.%1)").arg(file.suffix());
+    return QFileDialog::getSaveFileName(parent, Texts::tr("Copy Current Media"),
+        file.absoluteFilePath(), filtersWith(filter), &filter);
 }

@@ -268,12 +268,12 @@ void Player::storeSettings()
 void Player::showTitle(int frame)
 {
     if (frame < 0) {
-        setWindowTitle(QStringLiteral("Vantor"));
+        setWindowTitle(QStringLiteral("Vantor")); // a name
         return;
     }
     QString file = QFileInfo(m_manager->mediaFilename()).fileName();
     file.replace(QLatin1String("[*]"), QLatin1String("[*][*]")); // else a sign for unsaved changes
-    setWindowTitle(file + tr(" -- Frame %1").arg(frame));
+    setWindowTitle(tr("%1 -- Frame %2").arg(file, QString::number(frame)));
 }
 
 void Player::showCachedRange()

@@ -12,12 +12,14 @@
 
 #include <QAction>
 #include <QInputDialog>
+#include <QLabel>
 
 namespace {
 constexpr int volumeStep = 5; // percent
 constexpr double halfSpeed = 0.5;
 constexpr double quarterSpeed = 0.25;
 constexpr int speedDecimals = 2;
+constexpr int titleButtons = 80; // pixels more that a title bar needs beside the title
 }
 
 void Player::playForward()
@@ -261,6 +263,10 @@ void Player::setCustomSpeed()
     dialog.setDoubleRange(speedladder::slowest, speedladder::fastest);
     dialog.setDoubleDecimals(speedDecimals);
     dialog.setDoubleValue(m_manager->speedMultiplier());
+    if (auto* label = dialog.findChild<QLabel*>()) { // the dialog itself keeps to its layout's size
+        const int title = dialog.fontMetrics().horizontalAdvance(dialog.windowTitle());
+        label->setMinimumWidth(title + titleButtons);
+    }
     if (dialog.exec() == QDialog::Accepted) {
         setSpeedMultiplier(dialog.doubleValue());
     }

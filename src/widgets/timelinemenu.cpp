@@ -58,8 +58,8 @@ TimelineMenu::TimelineMenu(TimelineWidget* timeline)
 
 void TimelineMenu::offerFrame(int frame, const QString& name) const
 {
-    action(RangeStart)->setText(TimelineWidget::tr("Range Start to ") + name);
-    action(RangeEnd)->setText(TimelineWidget::tr("Range End to ") + name);
+    action(RangeStart)->setText(TimelineWidget::tr("Range Start to %1").arg(name));
+    action(RangeEnd)->setText(TimelineWidget::tr("Range End to %1").arg(name));
     action(RangeStart)->setData(frame);
     action(RangeEnd)->setData(frame);
 }

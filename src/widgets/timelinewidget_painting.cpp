@@ -148,9 +148,9 @@ void TimelineWidget::drawLength(QPainter* painter)
 {
     QString text = frameToString(m_frameCount);
     if (m_displayType == DISPLAY_TYPE::Seconds) {
-        text += QStringLiteral(" sec");
+        text = tr("%1 sec").arg(text);
     } else if (m_displayType == DISPLAY_TYPE::FrameNumbers) {
-        text += QStringLiteral(" frames");
+        text = tr("%1 frames", "length of the media", m_frameCount).arg(text);
     }
     const QRect box = parts().leftText();
     drawSideText(painter, box, box.width(), Qt::AlignLeft, text);
@@ -170,7 +170,8 @@ void TimelineWidget::drawRate(QPainter* painter)
         drawSideText(painter, unit, rect().right() - unit.left(), Qt::AlignLeft, tr("fps"));
     } else {
         drawSideText(painter, middle, rect().right() - middle.left(), Qt::AlignLeft,
-            QString::number(m_speed, 'f', 2) + QLatin1Char('x'), timelinecolours::currentLabel);
+            tr("%1x", "speed").arg(QString::number(m_speed, 'f', 2)),
+            timelinecolours::currentLabel);
     }
 }
 
