@@ -19,7 +19,7 @@ constexpr int volumeStep = 5; // percent
 constexpr double halfSpeed = 0.5;
 constexpr double quarterSpeed = 0.25;
 constexpr int speedDecimals = 2;
-constexpr int titleButtons = 80; // pixels more that a title bar needs beside the title
+constexpr int titleButtons = 72; // pixels more that a title bar needs beside the title
 }
 
 void Player::playForward()

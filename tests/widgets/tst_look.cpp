@@ -1,5 +1,6 @@
 #include "darktheme.h"
 #include "playbackcontrolwidget.h"
+#include "screenscale.h"
 #include "softwareviewer.h"
 
 #include <QApplication>
@@ -35,6 +36,14 @@ private Q_SLOTS:
         }
         const QIcon program(":/icons/application.png");
         QVERIFY(same(program.pixmap(128, 128).toImage(), QImage(":/icons/application@2x.png")));
+    }
+
+    void density_countsWhereTheDesktopNamesOne()
+    {
+        QVERIFY(screenscale::nameDensity("Xft.antialias:\t1\nXft.dpi:\t144\n"));
+        for (const char* resources : { "", "Xft.dpi", "Xft.dpi:\t\n", "*Xft.dpiScale: 96\n" }) {
+            QVERIFY2(!screenscale::nameDensity(resources), resources);
+        }
     }
 
     void disabledButtons_areClearlyDarker()
