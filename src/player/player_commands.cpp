@@ -19,7 +19,8 @@ constexpr int volumeStep = 5; // percent
 constexpr double halfSpeed = 0.5;
 constexpr double quarterSpeed = 0.25;
 constexpr int speedDecimals = 2;
-constexpr int titleButtons = 72; // pixels more that a title bar needs beside the title
+constexpr double titleFont = 1.4; // what a title bar takes for a text, by the width in our font
+constexpr int titleButtons = 33; // pixels more than in the dialog itself
 }
 
 void Player::playForward()
@@ -265,7 +266,7 @@ void Player::setCustomSpeed()
     dialog.setDoubleValue(m_manager->speedMultiplier());
     if (auto* label = dialog.findChild<QLabel*>()) { // the dialog itself keeps to its layout's size
         const int title = dialog.fontMetrics().horizontalAdvance(dialog.windowTitle());
-        label->setMinimumWidth(title + titleButtons);
+        label->setMinimumWidth(qRound(title * titleFont) + titleButtons);
     }
     if (dialog.exec() == QDialog::Accepted) {
         setSpeedMultiplier(dialog.doubleValue());
