@@ -235,8 +235,8 @@ void VideoDecoder::convertAndStore(const AVFrame& frame, double time)
 
 void VideoDecoder::awaitRoom()
 {
-    while (!m_source->abortRequested
-        && !m_source->videoFrames.hasRoom(m_source->clockTime(false))) {
+    while (
+        !m_source->abortRequested && !m_source->videoFrames.hasRoom(m_source->clockTime(false))) {
         if (m_waitsForRoom) {
             m_waitsForRoom();
         }
