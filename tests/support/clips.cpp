@@ -9,19 +9,18 @@ namespace {
 double numberOf(const QString& fraction)
 {
     const QStringList parts = fraction.split('/');
-    return parts.size() == 2 ? parts[0].toDouble() / parts[1].toDouble() : fraction.toDouble();
+    return parts[0].toDouble() / parts.value(1, "1").toDouble();
 }
 
 Clip clipOf(const QStringList& columns)
 {
     const QStringList size = columns[1].split('x');
     Clip clip{};
-    clip.name = columns[0];
+    clip.name = columns[0].trimmed();
     clip.path = QDir(QStringLiteral(CLIPS_FOLDER)).filePath(clip.name);
     clip.rate = numberOf(columns[2]);
     clip.frameCount = columns[3].toInt();
     clip.hasVideo = clip.frameCount > 0;
-    clip.hasAudio = columns[4] != QLatin1String("-");
     clip.width = clip.hasVideo ? size[0].toInt() : 0;
     clip.height = clip.hasVideo ? size[1].toInt() : 0;
     clip.seconds = clip.hasVideo ? clip.frameCount / clip.rate : size[0].toDouble();
@@ -36,14 +35,10 @@ QVector<Clip> readTable()
     }
     QVector<Clip> clips;
     for (const QString& line : QString::fromUtf8(table.readAll()).split('\n')) {
-        QStringList columns = line.split('|');
-        if (line.startsWith('#') || columns.size() != 6) {
-            continue;
+        const QStringList columns = line.split('|');
+        if (!line.startsWith('#') && columns.size() == 6) {
+            clips.append(clipOf(columns));
         }
-        for (QString& column : columns) {
-            column = column.trimmed();
-        }
-        clips.append(clipOf(columns));
     }
     return clips;
 }

@@ -14,7 +14,6 @@ struct Clip {
     double rate; // frames per second
     double seconds;
     bool hasVideo;
-    bool hasAudio;
 };
 
 /// Every clip of the build tree, in the order of the table; built before any test that asks for
