@@ -31,26 +31,21 @@ class TestAudioFrameBuffer : public QObject {
 private Q_SLOTS:
     void read_startsAtTheSampleForTheTime()
     {
-        const struct {
-            const char* name;
-            double time;
-            int first; // value of the first sample read
-            int sounding; // samples before silence
-        } rows[] = { { "early sound plays at once", -5.0, 100, 150 },
-            { "below a hundredth late is in sync", 0.0099, 100, 150 },
-            { "20 ms late skips 20 samples", 0.0205, 120, 130 },
-            { "late blocks are skipped whole", 0.05, 200, 100 },
-            { "late inside the last block", 0.1305, 330, 20 }, { "hours late", 30000.0, 0, 0 } };
-        for (const auto& row : rows) {
+        const std::tuple<double, int, int> rows[] = { // first sample, how many before silence
+            { -5.0, 100, 150 }, { 0.0099, 100, 150 }, // early, and late by less than a hundredth
+            { 0.0205, 120, 130 }, { 0.05, 200, 100 }, { 0.1305, 330, 20 }, { 30000.0, 0, 0 }
+        };
+        for (const auto& [time, first, sounding] : rows) {
             AudioFrameBuffer buffer;
             for (int i = 0; i < 3; ++i) {
                 buffer.put(block(i * 0.05, 100 * (i + 1)), rate, 0.0);
             }
-            const auto sound = readSound(buffer, 200, row.time);
-            QVERIFY2(sound.value(0) == row.first && sound.count(0) == 200 - row.sounding, row.name);
+            const auto sound = readSound(buffer, 200, time);
+            QVERIFY2(sound.value(0) == first && sound.count(0) == 200 - sounding,
+                qPrintable(QString::number(time)));
             // Sound that comes after the silence is played.
-            buffer.put(block(row.time + 0.2, 700), rate, 0.0);
-            QCOMPARE(int(readSound(buffer, 1, row.time + 0.2)[0]), 700);
+            buffer.put(block(time + 0.2, 700), rate, 0.0);
+            QCOMPARE(int(readSound(buffer, 1, time + 0.2)[0]), 700);
             buffer.resetReadPosition();
             QCOMPARE(int(readSound(buffer, 1, 0.0)[0]), 100);
         }
@@ -77,28 +72,23 @@ private Q_SLOTS:
         buffer.put(block(0.1, 300), rate, 1.5);
         QCOMPARE(int(readSound(buffer, 1, 0.1)[0]), 300);
         QCOMPARE(int(readSound(buffer, 1, 0.101)[0]), 301);
-        buffer.put(block(0.15, 400), rate, 1.5); // another one goes, not the one being read
-        QCOMPARE(int(readSound(buffer, 1, 0.102)[0]), 302);
     }
 
-    void put_dropsOneOldBlockACallAndCountsWhatIsLeft()
+    void put_dropsOneOldBlockACallAndTakesNoneWhileDiscarding()
     {
         AudioFrameBuffer buffer;
         for (int i = 0; i < 4; ++i) {
             buffer.put(block(i, 0), rate, 0.0);
         }
-        buffer.put(block(4.0, 0), rate, 1.0); // exactly one second before the reference is kept
-        QCOMPARE(buffer.frameCount(), 5);
-        buffer.put(block(5.0, 0), rate, 99.0);
-        QCOMPARE(buffer.frameCount(), 5);
-        QCOMPARE(buffer.totalValues(), 5 * blockFrames);
-        QCOMPARE(buffer.endTime(), 5.05);
+        buffer.put(block(4.0, 0), rate, 99.0);
+        QCOMPARE(buffer.frameCount(), 4);
+        QCOMPARE(buffer.totalValues(), 4 * blockFrames);
+        QCOMPARE(buffer.endTime(), 4.05);
         buffer.discarding = true;
         buffer.clear();
         buffer.put(block(6.0, 0), rate, 0.0);
         QVERIFY(buffer.discarding);
         QCOMPARE(buffer.frameCount() + buffer.totalValues(), 0);
-        QCOMPARE(readSound(buffer, 2, 0.0), QVector<int16_t>(2, 0));
     }
 };
 

@@ -1,3 +1,4 @@
+#include "framerate.h"
 #include "frametimer.h"
 
 #include <QRegularExpression>
@@ -112,6 +113,16 @@ private Q_SLOTS:
         QCOMPARE(FrameTimer::onGrid(4.0006, fast), 4.0006); // off the grid
         QCOMPARE(FrameTimer::onGrid(4.0011, 0.04), 4.0011);
         QCOMPARE(FrameTimer::onGrid(3.9989, 0.04), 3.9989);
+    }
+
+    void nearlyStandardRatesAreStandardAndImpossibleOnesAre25()
+    {
+        for (const auto& [measured, usable] : { std::pair(23.976, 24000.0 / 1001),
+                 std::pair(24.0, 24.0), std::pair(59.9402, 60000.0 / 1001), std::pair(25.004, 25.0),
+                 std::pair(25.006, 25.006), std::pair(0.0, 25.0), std::pair(-30.0, 25.0),
+                 std::pair(double(INFINITY), 25.0), std::pair(double(NAN), 25.0) }) {
+            QCOMPARE(usableFrameRate(measured), usable);
+        }
     }
 };
 

@@ -26,9 +26,8 @@ class TestSampleConverter : public QObject {
             qFatal("No memory for a frame");
         }
         const int width = av_get_bytes_per_sample(format);
-        const QByteArray sample = QByteArray::fromHex(width == 1 ? "c0"
-                : width == 2                                     ? "0040"
-                                                                 : "0000003f");
+        const std::map<int, const char*> halves{ { 1, "c0" }, { 2, "0040" }, { 4, "0000003f" } };
+        const QByteArray sample = QByteArray::fromHex(halves.at(width));
         const bool planar = av_sample_fmt_is_planar(format);
         const QByteArray plane = sample.repeated(frame->nb_samples * (planar ? 1 : channels));
         for (int i = 0; i < (planar ? channels : 1); ++i) {
@@ -40,29 +39,23 @@ class TestSampleConverter : public QObject {
 private Q_SLOTS:
     void convert_givesTheOpenedOutput()
     {
-        const struct {
-            const char* name;
-            AVSampleFormat format;
-            int channels;
-            int rate = outputRate;
-        } rows[] = { { "as opened", AV_SAMPLE_FMT_S16, 2 },
-            { "8 bits, planar", AV_SAMPLE_FMT_U8P, 2 },
-            { "other rate", AV_SAMPLE_FMT_FLTP, 2, 22050 },
-            { "surround mixed down", AV_SAMPLE_FMT_FLT, 6 },
-            { "one channel for two", AV_SAMPLE_FMT_S16, 1 },
-            { "no known layout, packed floats", AV_SAMPLE_FMT_FLT, 9 },
-            { "no known layout, planar", AV_SAMPLE_FMT_S16P, 9 },
-            { "no known layout, 8 bits", AV_SAMPLE_FMT_U8, 9 } };
-        for (const auto& row : rows) {
+        const std::tuple<AVSampleFormat, int, int> rows[] = { // the channels and the rate
+            { AV_SAMPLE_FMT_S16, 2, outputRate }, { AV_SAMPLE_FMT_U8P, 2, outputRate },
+            { AV_SAMPLE_FMT_FLTP, 2, 22050 }, { AV_SAMPLE_FMT_FLT, 6, outputRate },
+            { AV_SAMPLE_FMT_S16, 1, outputRate },
+            // of no known layout
+            { AV_SAMPLE_FMT_FLT, 9, outputRate }, { AV_SAMPLE_FMT_S16P, 9, outputRate },
+            { AV_SAMPLE_FMT_U8, 9, outputRate }
+        };
+        for (const auto& [format, channels, rate] : rows) {
             SampleConverter converter(2, outputRate);
             // Whatever was converted before, a frame of another kind is made into the same output.
             QVERIFY(converter.convert(*sound(AV_SAMPLE_FMT_S16P, 1, 8000), 0.0));
-            const auto block = converter.convert(*sound(row.format, row.channels, row.rate), 2.5);
-            QVERIFY2(block && block->valueCount == block->sampleCount * 2, row.name);
-            QVERIFY2(qAbs(block->sampleCount - outputRate / 10) < outputRate / 500, row.name);
-            QCOMPARE(block->time, 2.5);
+            const auto block = converter.convert(*sound(format, channels, rate), 2.5);
+            QVERIFY(block && block->valueCount == block->sampleCount * 2 && block->time == 2.5);
+            QVERIFY(qAbs(block->sampleCount - outputRate / 10) < outputRate / 500);
             const int middle = block->sampleCount / 2 * 2;
-            QVERIFY2(block->samples[middle] > 8000, row.name);
+            QVERIFY(block->samples[middle] > 8000);
             QCOMPARE(block->samples[middle], block->samples[middle + 1]);
         }
     }

@@ -5,6 +5,7 @@
 
 #include <QDir>
 #include <QImage>
+#include <QProcess>
 #include <QTest>
 
 namespace {
@@ -66,4 +67,10 @@ bool PlaybackRig::waitFor(PlaybackManager::Status status)
 bool PlaybackRig::waitForState(PlaybackManager::State state)
 {
     return QTest::qWaitFor([&] { return manager.state() == state; }, patienceMs);
+}
+
+bool joinStreams(const QString& first, const QString& second, const QString& optionsAndPath)
+{
+    const QString command = "-v error -i %1 -i %2 -map 0 -map 1 -c copy " + optionsAndPath;
+    return QProcess::execute("ffmpeg", command.arg(first, second).split(' ')) == 0;
 }

@@ -35,3 +35,6 @@ public:
     SoftwareViewer viewer;
     PlaybackManager manager;
 };
+
+/// Makes a file of the streams of two others, by the ffmpeg program; false where it fails.
+bool joinStreams(const QString& first, const QString& second, const QString& optionsAndPath);

@@ -36,22 +36,6 @@ private Q_SLOTS:
             QCOMPARE(rig.visit(frame, true), frame);
         }
     }
-
-    void seekFloodEndsOnTheLastTarget()
-    {
-        PlaybackRig rig;
-        QVERIFY(rig.open("opengop.mp4"));
-        QRandomGenerator random(500);
-        int frame = 0;
-        for (int i = 0; i < 500; ++i) {
-            frame = random.bounded(1, clip("opengop.mp4").frameCount + 1);
-            rig.goTo(frame, i % 2 == 0);
-            if (i % 7 == 0) {
-                QCoreApplication::processEvents();
-            }
-        }
-        QCOMPARE(rig.settledOn(frame), frame);
-    }
 };
 
 QTEST_MAIN(TestFrameAccuracy)

@@ -54,19 +54,13 @@ private Q_SLOTS:
         QCOMPARE(rig.visit(33), 33);
     }
 
-    void flippedBits_data()
-    {
-        QTest::addColumn<QString>("name");
-        for (const char* name : { "opengop.mkv", "mpeg4.avi", "h264.flv" }) {
-            QTest::newRow(name) << name;
-        }
-    }
     void flippedBits()
     {
-        QFETCH(QString, name);
+        const QStringList names{ "opengop.mkv", "mpeg4.avi", "h264.flv" };
         QRandomGenerator random(200);
         PlaybackRig rig;
-        for (int copy = 0; copy < 67; ++copy) {
+        for (int copy = 0; copy < 200; ++copy) {
+            const QString name = names[copy % names.size()];
             QByteArray damaged = contentOf(name);
             for (int i = 0; i < 20; ++i) { // half of them in the headers, where it hurts most
                 const int place = random.bounded(i % 2 == 0 ? 2000 : damaged.size());
@@ -74,7 +68,7 @@ private Q_SLOTS:
             }
             tryOut(rig, name, damaged);
         }
-        QVERIFY(rig.open(name));
+        QVERIFY(rig.open(names[0]));
         QCOMPARE(rig.visit(99), 99);
     }
 

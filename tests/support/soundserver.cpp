@@ -1,11 +1,9 @@
 #include "soundserver.h"
 
 #include <QDeadlineTimer>
-#include <QDir>
 #include <QFile>
 #include <QtEndian>
 
-#include <cmath>
 #include <csignal>
 #include <sys/prctl.h>
 
@@ -13,14 +11,6 @@ namespace {
 
 constexpr int startLimitMs = 20000;
 constexpr int pollMs = 10;
-
-void write(const QString& path, const char* text)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(text) < 0) {
-        qFatal("%s cannot be written", qPrintable(path));
-    }
-}
 
 } // namespace
 
@@ -32,9 +22,13 @@ void SoundServer::Child::setupChildProcess()
 SoundServer::SoundServer()
 {
     start();
-    const QString config = m_folder.filePath("asound.conf");
-    write(config, "pcm.!default { type pulse hint { show on description \"Default\" } }\n");
-    qputenv("ALSA_CONFIG_PATH", "/usr/share/alsa/alsa.conf:" + config.toLocal8Bit());
+    QFile config(m_folder.filePath("asound.conf"));
+    if (!config.open(QIODevice::WriteOnly)
+        || config.write("pcm.!default { type pulse hint { show on description \"Default\" } }\n")
+            < 0) {
+        qFatal("%s cannot be written", qPrintable(config.fileName()));
+    }
+    qputenv("ALSA_CONFIG_PATH", "/usr/share/alsa/alsa.conf:" + config.fileName().toLocal8Bit());
     qputenv("PULSE_SERVER", "unix:" + m_socket.toLocal8Bit());
     qputenv("JACK_NO_START_SERVER", "1");
 }
@@ -96,24 +90,4 @@ QVector<qint16> SoundServer::stopRecording()
         left << qFromLittleEndian<qint16>(bytes.constData() + i);
     }
     return left;
-}
-
-// A configuration without any entry would end the program: PortAudio asserts that there is one.
-void SoundServer::hideDevices()
-{
-    const QString config = QDir::temp().filePath("nosound.conf");
-    write(config, "pcm.default { type hw card 99 }\n");
-    qputenv("ALSA_CONFIG_PATH", config.toLocal8Bit());
-}
-
-double toneStrength(const QVector<qint16>& sound, int first, int count, double hertz)
-{
-    double real = 0.0;
-    double imaginary = 0.0;
-    for (int i = 0; i < count; ++i) {
-        const double angle = 2.0 * M_PI * hertz * i / SoundServer::rate;
-        real += sound.value(first + i) * std::cos(angle);
-        imaginary += sound.value(first + i) * std::sin(angle);
-    }
-    return 2.0 * std::hypot(real, imaginary) / count;
 }

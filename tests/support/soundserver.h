@@ -24,9 +24,6 @@ public:
     /// What was heard since: the left channel.
     QVector<qint16> stopRecording();
 
-    /// Leaves this process without any sound device, as on a machine that has none.
-    static void hideDevices();
-
 private:
     class Child : public QProcess { // ends with the test program, however that ends
         void setupChildProcess() override;
@@ -36,7 +33,3 @@ private:
     Child m_server;
     Child m_recorder;
 };
-
-/// Strength of the tone of `hertz` in count samples from `first` on: its amplitude, in sample
-/// values.
-double toneStrength(const QVector<qint16>& sound, int first, int count, double hertz);
