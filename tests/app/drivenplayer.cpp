@@ -17,8 +17,6 @@
 #include <X11/Xutil.h>
 #include <X11/extensions/XTest.h>
 #include <algorithm>
-#include <csignal>
-#include <functional>
 
 namespace {
 
@@ -32,19 +30,6 @@ constexpr int rangeTimelineHeight = 46;
 constexpr int cacheRow = 29; // of that
 constexpr int timelineHeight = 40;
 constexpr int buttonsHeight = 42;
-
-bool await(const std::function<bool()>& condition)
-{
-    QElapsedTimer timer;
-    timer.start();
-    while (!condition()) {
-        if (timer.hasExpired(limitMs)) {
-            return false;
-        }
-        QThread::msleep(1);
-    }
-    return true;
-}
 
 QString program()
 {
@@ -206,7 +191,7 @@ bool DrivenPlayer::focus(const QString& title)
 {
     const QByteArray titles = title.isEmpty() ? QByteArray(ownTitles) : '^' + title.toUtf8() + '$';
     Window found = 0;
-    const bool came = await([&] { return (found = window(titles)) != 0; });
+    const bool came = QTest::qWaitFor([&] { return (found = window(titles)) != 0; }, limitMs);
     if (title.isEmpty()) {
         m_window = found; // another one once its kind has changed
     }
@@ -236,11 +221,6 @@ int DrivenPlayer::launchAgain(const QStringList& arguments) const
     return process.waitForFinished(limitMs) ? process.exitCode() : -1;
 }
 
-void DrivenPlayer::send(int signal)
-{
-    ::kill(static_cast<pid_t>(m_process.processId()), signal);
-}
-
 bool DrivenPlayer::close()
 {
     closeWindow(m_window);
@@ -268,13 +248,14 @@ int DrivenPlayer::awaitRest() const
 {
     int last = 0;
     QElapsedTimer still;
-    await([&] {
+    const auto rests = [&] {
         if (const int now = frame(); now != last) {
             last = now;
             still.start();
         }
         return still.hasExpired(restMs);
-    });
+    };
+    static_cast<void>(QTest::qWaitFor(rests, limitMs));
     return last;
 }
 
@@ -292,7 +273,8 @@ QString DrivenPlayer::sight(const Scene& scene) const
 QString DrivenPlayer::awaitSight(const Scene& scene, int frame) const
 {
     QString seen;
-    await([&] { return (seen = sight(scene)) == scene.sightOf(frame); });
+    const auto isSeen = [&] { return (seen = sight(scene)) == scene.sightOf(frame); };
+    static_cast<void>(QTest::qWaitFor(isSeen, limitMs));
     return seen;
 }
 
@@ -301,13 +283,13 @@ QImage DrivenPlayer::console() const
     return pictureOf(window("^Console$"));
 }
 
-QString DrivenPlayer::consoleText()
+QString DrivenPlayer::textOf(const QString& title)
 {
     QGuiApplication::clipboard()->setText({});
-    if (!focus("Console")) {
+    if (!focus(title)) {
         return {};
     }
-    QString text; // while the console is there to give it
+    QString text; // while the window is there to give it
     const auto copies = [&] { // anew where a further line has taken the selection away
         hold("Control+a");
         hold("Control+c");
@@ -315,6 +297,12 @@ QString DrivenPlayer::consoleText()
             [&] { return !(text = QGuiApplication::clipboard()->text()).isEmpty(); }, restMs);
     };
     static_cast<void>(QTest::qWaitFor(copies, limitMs));
+    return text;
+}
+
+QString DrivenPlayer::consoleText()
+{
+    const QString text = textOf("Console");
     focus();
     // Every start says first what it is.
     return text.contains(QRegularExpression("^INFO: Vantor \\d")) ? text.section('\n', 1)
@@ -364,7 +352,8 @@ void DrivenPlayer::hold(const QString& key, int times)
     QElapsedTimer timer;
     timer.start();
     for (int i = 0; i < times; ++i) {
-        await([&] { return timer.elapsed() >= i * 1000 / repeatRate; });
+        QThread::msleep(
+            static_cast<unsigned>(qMax(0, i * 1000 / repeatRate - int(timer.elapsed()))));
         for (const unsigned code : codes) {
             XTestFakeKeyEvent(display(), code, True, CurrentTime);
         }

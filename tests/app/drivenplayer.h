@@ -44,7 +44,6 @@ public:
     bool focus(const QString& title = {});
     /// One more launch, from the folder of linked clips; its exit code, -1 where it does not end.
     int launchAgain(const QStringList& arguments) const;
-    void send(int signal);
     [[nodiscard]] qint64 processId() const { return m_process.processId(); } // 0 without one
     /// Closes the window as its title bar's button does; true where the program then ends well.
     bool close();
@@ -58,6 +57,8 @@ public:
     [[nodiscard]] QString awaitSight(const Scene& scene, int frame) const;
     [[nodiscard]] QImage console() const; // null while it is hidden
     [[nodiscard]] QString consoleText(); // after its first line; empty where it does not come up
+    /// What can be copied out of the window of a title, which has the keyboard then.
+    [[nodiscard]] QString textOf(const QString& title);
     [[nodiscard]] QImage view() const; // the video's, between the two timelines
     [[nodiscard]] int picture(const Clip& clip) const; // the number it shows, -1 without one
     /// Degrees by which the picture is turned clockwise, behind "mirrored" where it is that first.

@@ -57,12 +57,26 @@ void TestCommands::scripts_data()
     marked("marks",
         "#10 saved/frames:20,40,60, f saved/frames:10,20,40,60, r saved/start:10 "
         "Shift+f saved/frames:60, saved/ranges:5,15,5-15;10,50,10-50;70,90,70-90;100,120,100-120");
+    marked("clearing",
+        "#10 f Control+f saved/frames:20,40,60, Control+Shift+f f saved/frames:10, "
+        "r Control+r saved/ranges:5,15,5-15;70,90,70-90;100,120,100-120 "
+        "Control+Shift+r r saved/ranges:10,50,10-50");
+    marked("no range", "#10 Control+p Control+Right #200 Control+Left #1");
     add("cache", "=10 cached:true Right*5 #15 c cached:false =15");
     add("sizes", "#10 1 height:180 2 height:90 3 height:45 Control+2 height:360");
     add("flip", "=10 turn:0 x turn:mirrored0 y turn:180 x turn:mirrored180 y turn:0");
     add("switches",
         "#10 m t close main/muted:true main/showTimeline:true "
         "main/showRangeTimeline:false");
+    add("choices",
+        "#10 Control+l Control+Shift+l Control+a Control+Shift+a F6 F3 F2 close "
+        "playback/loop:true playback/loopOnStep:true playback/autoplay:true audio/audioScrub:false "
+        "main/showBottomToolbar:false main/showRangeTimeline:false main/showTimeline:false");
+    add("windows", "#10 F9 @Media_Information @ F10 @Console @ Right #11");
+    add("open", "#10 Control+o @Open_File");
+    add("open bookmarks", "#10 Control+Shift+o @Open_Bookmarks");
+    add("save bookmarks as", "#10 Control+Shift+s @Save_Bookmarks");
+    add("copy", "#10 Control+d @Copy_Current_Media");
     // Others.
     add("rotation", "=10 Control+Shift+m turn:90 Control+Shift+n turn:270 Control+Shift+n turn:0");
     add("snapshot", "#10 x turn:mirrored0 x turn:0 Control+c snapshot:10");
@@ -117,6 +131,8 @@ void TestCommands::remoteControl_data()
         { "file '%1' 5 90\nrstart 10\r\nrend 50\nframe 25\nframe 30.9\n" }, 30);
     add("a line in several packets", { "file \"%1", "\" 10 50\nfra", "me ", "42", "\n" }, 42);
     add("relative", { open, "frameRelative 3\n" }, 12);
+    add("before the start", { open, "frame -2147483648\n" }, 1);
+    add("after the end", { open, "frame 2000000000\n" }, 200);
     add("exit", { open + "frame 42\nexit\nframe 60\n" }, 42);
     add("a second client", { open, "+", "frame 42\n" }, 42);
     add("a missing file", { open, "file \"%1.mov\"\nframe 42\n" }, 42);
@@ -190,7 +206,7 @@ void TestCommands::bookmarksMoveWithTheirMedia()
     QVERIFY(folder.rename("first.mp4", "moved/first.mp4"));
     QVERIFY(player.start({ player.path("moved/kept.bmk") }));
     follow(player, scene, "#12 bracketright #16 bracketright #10 Control+Right #16");
-    QCOMPARE(player.launchAgain({ "moved/kept.bmk", "5", "9" }), 0);
+    QCOMPARE(player.launchAgain({ "moved/kept.bmk", "5", "9" }), 0); // keeps the keyboard
     follow(player, scene, "#5 bracketright #10 Control+bracketright #12 Shift+f bracketright #10");
 }
 

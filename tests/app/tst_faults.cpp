@@ -32,16 +32,12 @@ private:
         const QString script = QString("trap '' XFSZ; exec %1 \"$@\" 2> >(exec tee -a %2 >&2)");
         player.wrap({ "bash", "-c", script.arg(privileges, player.path("log")), "-" });
     }
-    static QString log(const DrivenPlayer& player)
-    {
-        QFile file(player.path("log"));
-        return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
-    }
     static QByteArray bytesOf(const QString& path)
     {
         QFile file(path);
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
     }
+    static QString log(const DrivenPlayer& player) { return bytesOf(player.path("log")); }
     static void shell(const QString& command, const QString& first, const QString& second = {})
     {
         QCOMPARE(QProcess::execute("bash", { "-c", command, "-", first, second }), 0);
@@ -53,8 +49,9 @@ private:
     }
     static void opensAnother(DrivenPlayer& player)
     {
-        const Scene good{ clip("hevc.mp4"), 20, 40 };
-        QCOMPARE(player.launchAgain(good.arguments()), 0);
+        const QString name = QString::fromUtf8("Zw\303\266lf \342\202\254.mp4");
+        const Scene good{ player.linked(clip("hevc.mp4"), name), 20, 40 };
+        QCOMPARE(player.launchAgain({ name, "20", "40" }), 0);
         SHOWS(player, good, 20);
     }
 
@@ -200,13 +197,14 @@ void TestFaults::kills_leaveSettingsWhole()
         QVERIFY(player.start(scene.arguments()));
         player.hold("Control+k"); // which saves them
         QThread::msleep(static_cast<unsigned long>(delayMs));
-        player.send(SIGKILL);
+        QCOMPARE(kill(pid_t(player.processId()), SIGKILL), 0);
         QCOMPARE(player.setting("main/showMenuBar"), QVariant("false"));
         QCOMPARE(player.setting("timeline/timelineShowCache").isValid(), // all of them, or none
             player.setting("console/consoleGeometry").isValid());
     }
     QVERIFY(player.start(scene.arguments()));
     SHOWS(player, scene, 10);
+    opensAnother(player);
     QVERIFY(player.close());
 }
 

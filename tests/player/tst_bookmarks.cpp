@@ -31,35 +31,28 @@ class TestBookmarks : public QObject {
     }
 
 private Q_SLOTS:
-    void file_isReadTolerantly_data()
-    {
-        QTest::addColumn<QByteArray>("text");
-        QTest::addColumn<QString>("expected");
-        const auto row = [](const char* name, const char* keys, const char* expected) {
-            QTest::newRow(name) << QByteArray("[main]\n").append(keys) << QString(expected);
-        };
-        row("as saved", "frames=\"12,40,97,\"\nranges=\"10,20,10 - 20\", \"3,5,x\"",
-            "12 40 97 3-5:x 10-20:10 - 20");
-        row("strange frames", "frames=\"5,,abc,-3,5,9\"", "5 9");
-        row("unquoted frames", "frames=12,40", "12 40");
-        row("huge numbers", "frames=\"99999999999,7\"\nranges=\"1,99999999999,x\"", "7");
-        row("no name", "ranges=\"10,20\", \"1,2,\"", "");
-        row("commas in the name", "ranges=\"10,20,a,,b\", \"1,2,c,d\"", "1-2:c,d 10-20:a,b");
-        row("twice", "ranges=\"10,20,first\", \"10,20,second\"", "10-20:first");
-        row("in order", "ranges=\"5,20,c\", \"5,8,b\", \"1,10,a\", \"-1,4,n\"",
-            "1-10:a 5-8:b 5-20:c");
-        row("toolkit's escapes and UTF-8", "ranges=\"1,2,\\xe9\xc3\xa9\"", "1-2:\xc3\xa9\xc3\xa9");
-        QTest::newRow("no text at all") << QByteArray("\0\1\2\xff[main\n=", 10) << QString();
-    }
-
     void file_isReadTolerantly()
     {
-        QFETCH(QByteArray, text);
-        QFETCH(QString, expected);
-        Bookmarks bookmarks;
-        bookmarks.addFrame(1);
-        bookmarksfile::read(bookmarks, written(text));
-        QCOMPARE(inWords(bookmarks), expected);
+        // clang-format off
+        const std::pair<QByteArray, const char*> rows[] = {
+            { "frames=\"12,40,97,\"\nranges=\"10,20,10 - 20\", \"3,5,x\"", "12 40 97 3-5:x 10-20:10 - 20" },
+            { "frames=\"5,,abc,-3,5,9\"", "5 9" },
+            { "frames=12,40", "12 40" }, // unquoted
+            { "frames=\"99999999999,7\"\nranges=\"1,99999999999,x\"", "7" },
+            { "ranges=\"10,20\", \"1,2,\"", "" }, // no name
+            { "ranges=\"10,20,a,,b\", \"1,2,c,d\"", "1-2:c,d 10-20:a,b" },
+            { "ranges=\"10,20,first\", \"10,20,second\"", "10-20:first" },
+            { "ranges=\"5,20,c\", \"5,8,b\", \"1,10,a\", \"-1,4,n\"", "1-10:a 5-8:b 5-20:c" },
+            { "ranges=\"1,2,\\xe9\xc3\xa9\"", "1-2:\xc3\xa9\xc3\xa9" }, // the toolkit's escapes and UTF-8
+            { QByteArray("\0\1\2\xff[main\n=", 10), "" },
+        };
+        // clang-format on
+        for (const auto& [keys, expected] : rows) {
+            Bookmarks bookmarks;
+            bookmarks.addFrame(1);
+            bookmarksfile::read(bookmarks, written("[main]\n" + keys));
+            QCOMPARE(inWords(bookmarks), QString(expected));
+        }
     }
 
     void file_comesBackAsSaved()
@@ -84,24 +77,23 @@ private Q_SLOTS:
         QVERIFY(file.open(QIODevice::ReadOnly));
         const QByteArray text = file.readAll();
         QVERIFY(text.contains("frames=\"12,40,97,\"") && text.contains("kept=1"));
-        bookmarksfile::read(found, m_folder.filePath("none.bmk"));
-        QCOMPARE(inWords(found), QString());
-        QCOMPARE(found.mediaPath, bookmarks.mediaPath);
-        QVERIFY(!bookmarksfile::write(bookmarks, m_folder.filePath("none/test.bmk")));
+
         const QString pipe = m_folder.filePath("pipe.bmk"); // which nobody writes to
         QCOMPARE(mkfifo(qPrintable(pipe), S_IRUSR | S_IWUSR), 0);
-        bookmarksfile::read(found, pipe);
-        QCOMPARE(found.mediaPath, bookmarks.mediaPath);
+        for (const QString& unreadable : { m_folder.filePath("none.bmk"), pipe }) {
+            bookmarksfile::read(found, unreadable);
+            QCOMPARE(inWords(found), QString());
+            QCOMPARE(found.mediaPath, bookmarks.mediaPath);
+        }
+        QVERIFY(!bookmarksfile::write(bookmarks, m_folder.filePath("none/test.bmk")));
     }
 
-    void cycling_wrapsRound()
+    void cycling_wrapsRoundAlsoFromBetween()
     {
         Bookmarks bookmarks;
         QVERIFY(!bookmarks.cycledFrame(1, false) && !bookmarks.cycledRange(1, 2, true));
         bookmarks.addFrame(10);
         bookmarks.addFrame(20);
-        QCOMPARE(bookmarks.cycledFrame(10, false).value(), 20);
-        QCOMPARE(bookmarks.cycledFrame(20, false).value(), 10);
         QCOMPARE(bookmarks.cycledFrame(15, true).value(), 10);
         QCOMPARE(bookmarks.cycledFrame(5, true).value(), 20);
         for (const auto& [start, end] : { std::pair(5, 20), std::pair(1, 10), std::pair(5, 8) }) {
@@ -115,23 +107,13 @@ private Q_SLOTS:
         QCOMPARE(next(2, 3, true), std::pair(5, 20));
         QCOMPARE(next(5, 8, false), std::pair(5, 20));
         QCOMPARE(next(5, 20, false), std::pair(1, 10));
-        QCOMPARE(next(1, 10, true), std::pair(5, 20));
-        bookmarks.removeFrames(15, 30);
-        bookmarks.removeRange(5, 8);
-        QCOMPARE(inWords(bookmarks), QString("10 1-10:r 5-20:r"));
     }
 
-    void scrub_countsPixels()
+    void scrub_goesOnBeyondTheScreen()
     {
-        QCOMPARE(MouseScrubber::pixelsPerFrame(true, false), 4);
-        QCOMPARE(MouseScrubber::pixelsPerFrame(false, true), 22);
-        QCOMPARE(MouseScrubber::pixelsPerFrame(true, true), 10);
+        const auto gear = MouseScrubber::pixelsPerFrame;
+        QVERIFY(gear(true, false) == 4 && gear(false, true) == 22 && gear(true, true) == 10);
         MouseScrubber scrubber;
-        scrubber.begin(100);
-        QCOMPARE(scrubber.move(109, 10, true, 1000).frames, 0);
-        QCOMPARE(scrubber.move(125, 10, true, 1000).frames, 2); // 5 pixels are lost
-        QCOMPARE(scrubber.move(134, 10, true, 1000).frames, 0);
-        QCOMPARE(scrubber.move(115, 10, true, 1000).frames, -1);
         scrubber.begin(30);
         auto step = scrubber.move(0, 10, true, 1000); // to the left, out of the screen
         QCOMPARE(step.frames, -3);

@@ -11,11 +11,8 @@
 #include <QtTest>
 
 using Range = QPair<int, int>;
-using Command = std::function<void(Player&)>;
-Q_DECLARE_METATYPE(Command)
-Q_DECLARE_METATYPE(Settings)
 
-// The window without a screen: what commands, ticks of the clock and statuses lead to.
+// The window without a screen: what ticks of the clock, statuses and requests at odd times lead to.
 class TestPlayer : public QObject {
     Q_OBJECT
 
@@ -42,147 +39,31 @@ class TestPlayer : public QObject {
     }
     [[nodiscard]] bool isPlaying() const { return manager().state() == PlaybackManager::Playing; }
     [[nodiscard]] bool isReady() const { return manager().status() == PlaybackManager::Ready; }
-    void open(int start = -1, int end = -1, const Settings& with = defaults())
-    {
-        settings() = with;
-        m_player->open(sampleClipPath(), start, end);
-        QTRY_VERIFY_WITH_TIMEOUT(isReady() && frame() > 0, 20000);
-    }
-    static Settings defaults()
+    void open(int start = -1, int end = -1)
     {
         QFile::remove(settingsFilePath());
         loadSettings();
-        return settings();
-    }
-    static Settings with(bool Settings::*option, bool value = true)
-    {
-        Settings values = defaults();
-        values.*option = value;
-        return values;
+        m_player->open(sampleClipPath(), start, end);
+        QTRY_VERIFY_WITH_TIMEOUT(isReady() && frame() > 0, 20000);
     }
 
 private Q_SLOTS:
     void initTestCase() { m_player = std::make_unique<Player>(QString()); }
     void cleanupTestCase() { m_player.reset(); }
 
-    void range_isClampedToTheMedia_data()
-    {
-        QTest::addColumn<int>("start");
-        QTest::addColumn<int>("end");
-        QTest::addColumn<Range>("expected");
-        QTest::newRow("none") << -1 << -1 << Range(1, last);
-        QTest::newRow("start only") << 10 << -1 << Range(10, 10);
-        QTest::newRow("end only") << -1 << 50 << Range(1, 50);
-        QTest::newRow("both") << 10 << 50 << Range(10, 50);
-        QTest::newRow("end before start") << 60 << 50 << Range(60, 60);
-        QTest::newRow("beyond the media") << 300 << 400 << Range(last, last);
-    }
-
     void range_isClampedToTheMedia()
     {
-        QFETCH(int, start);
-        QFETCH(int, end);
-        QFETCH(Range, expected);
-        open(start, end);
-        QTRY_COMPARE(range(), expected);
-        QTRY_COMPARE(frame(), expected.first);
-        m_player->resetFrameRange();
-        QCOMPARE(range(), Range(1, last));
-        m_player->setFrameRange(start, end);
-        QCOMPARE(range().second, start < 0 && end < 0 ? 1 : expected.second);
-    }
-
-    void command_leadsToAFrame_data()
-    {
-        QTest::addColumn<Settings>("values");
-        QTest::addColumn<int>("from");
-        QTest::addColumn<Command>("command");
-        QTest::addColumn<int>("expected");
-        const Settings plain = defaults();
-        const Settings looped = with(&Settings::loopOnStep);
-        const Command forward = [](Player& player) { player.stepForward(); };
-        const Command backward = [](Player& player) { player.stepBackward(); };
-        QTest::newRow("step past the range") << plain << 50 << forward << 51;
-        QTest::newRow("step past the range, looping") << looped << 50 << forward << 10;
-        QTest::newRow("step outside the range, looping") << looped << 60 << forward << 10;
-        QTest::newRow("step into the range, looping") << looped << 9 << forward << 10;
-        QTest::newRow("step back before the range") << plain << 10 << backward << 9;
-        QTest::newRow("step back, looping") << looped << 10 << backward << 50;
-        QTest::newRow("step back into the range, looping") << looped << 51 << backward << 50;
-        QTest::newRow("step at the end") << plain << last << forward << last;
-        QTest::newRow("step at the start") << plain << 1 << backward << 1;
-        const auto to = [](void (Player::*slot)()) -> Command {
-            return [slot](Player& player) { (player.*slot)(); };
-        };
-        QTest::newRow("start") << plain << 30 << to(&Player::seekStart) << 1;
-        QTest::newRow("end") << plain << 30 << to(&Player::seekEnd) << last;
-        QTest::newRow("range start") << plain << 30 << to(&Player::seekRangeStart) << 10;
-        QTest::newRow("range end") << plain << 30 << to(&Player::seekRangeEnd) << 50;
-        QTest::newRow("cache anew") << plain << 30 << to(&Player::cacheFromCurrent) << 30;
-        const auto goTo = [](int frame) -> Command {
-            return [frame](Player& player) { player.setCurrentFrame(frame); };
-        };
-        QTest::newRow("below the media") << plain << 30 << goTo(INT_MIN) << 1;
-        QTest::newRow("above the media") << plain << 30 << goTo(INT_MAX) << last;
-        QTest::newRow("relative") << plain << 30
-                                  << Command([](Player& p) { p.setCurrentFrameRelative(3); }) << 12;
-    }
-
-    void command_leadsToAFrame()
-    {
-        QFETCH(Settings, values);
-        QFETCH(int, from);
-        QFETCH(Command, command);
-        QFETCH(int, expected);
-        open(10, 50, values);
-        m_player->setCurrentFrame(from);
-        QTRY_VERIFY(isReady() && frame() == from);
-        command(*m_player);
-        QTRY_VERIFY2(isReady() && frame() == expected, qPrintable(m_player->windowTitle()));
-        QVERIFY(!isPlaying());
-    }
-
-    void playing_staysInTheRange_data()
-    {
-        QTest::addColumn<bool>("loop");
-        QTest::addColumn<Range>("range");
-        QTest::newRow("stops at the end of the range") << false << Range(40, 50);
-        QTest::newRow("loops in the range") << true << Range(40, 50);
-        QTest::newRow("stops at the end of the media") << false << Range(240, last);
-        QTest::newRow("loops from the end of the media") << true << Range(240, last);
-    }
-
-    void playing_staysInTheRange()
-    {
-        QFETCH(bool, loop);
-        QFETCH(Range, range);
-        open(range.first, range.second, with(&Settings::loop, loop));
-        QTRY_VERIFY(isReady() && frame() == range.first);
-        QVector<int> shown;
-        const auto times = [&](int frame) { return shown.count(frame); };
-        connect(m_player.get(), &QWidget::windowTitleChanged, this,
-            [&](const QString& title) { shown.append(title.section("-- Frame ", 1).toInt()); });
-        m_player->playForward();
-        QTRY_COMPARE(times(range.second), 1);
-        if (!loop) {
-            QTRY_VERIFY(!isPlaying());
-            QCOMPARE(frame(), range.second);
-            m_player->playForward(); // from the end: the range anew
+        const std::tuple<int, int, Range> rows[] = { { -1, -1, { 1, last } },
+            { 10, 50, { 10, 50 } }, { 60, 50, { 60, 60 } }, { 300, 400, { last, last } } };
+        for (const auto& [start, end, expected] : rows) {
+            open(start, end);
+            QTRY_COMPARE(range(), expected);
+            QTRY_COMPARE(frame(), expected.first);
+            m_player->resetFrameRange();
+            QCOMPARE(range(), Range(1, last));
+            m_player->setFrameRange(start, end);
+            QCOMPARE(range().second, start < 0 ? 1 : expected.second);
         }
-        QTRY_COMPARE(times(range.second), 2);
-        m_player->pause();
-        m_player->disconnect(this);
-        QCOMPARE(*std::min_element(shown.begin(), shown.end()), range.first);
-        QCOMPARE(*std::max_element(shown.begin(), shown.end()), range.second);
-    }
-
-    void autoplay_startsOnceWithARange()
-    {
-        Settings values = with(&Settings::autoplay);
-        values.continuePlayingAfterSeek = false;
-        open(20, 240, values);
-        QTRY_VERIFY(isPlaying());
-        QTRY_VERIFY(frame() > 25);
     }
 
     void seeking_goesOnPlayingWhereWanted()
@@ -248,20 +129,6 @@ private Q_SLOTS:
         QVERIFY(titledAndShown.contains({ 140, 140 }));
     }
 
-    void opening_losesNothingForAMissingFile()
-    {
-        open();
-        m_player->setCurrentFrame(70);
-        QTRY_VERIFY(isReady() && frame() == 70);
-        m_player->open("/no/such/file.mp4");
-        QVERIFY(isReady());
-        QCOMPARE(frame(), 70);
-        m_player->open(clip("mpeg4.avi").path, 5, 9);
-        QTRY_COMPARE(range(), Range(5, 9));
-        QTRY_VERIFY(isReady() && frame() == 5);
-        QCOMPARE(settings().recentFiles, (QStringList{ clip("mpeg4.avi").path, sampleClipPath() }));
-    }
-
     void stop_keepsTheWindowForTheNextLaunch()
     {
         open();
@@ -277,16 +144,11 @@ private Q_SLOTS:
     void closing_waitsForTheFile()
     {
         open();
-        settings().volume = 42;
         QSignalSpy closed(m_player.get(), &Player::closed);
         QVERIFY(!m_player->close());
         m_player->open(clip("mpeg4.avi").path); // too late
         QTRY_COMPARE(closed.count(), 1);
         QVERIFY(manager().mediaFilename().isEmpty());
-        loadSettings();
-        QCOMPARE(settings().volume, 42);
-        QCOMPARE(settings().recentFiles, QStringList{ sampleClipPath() });
-        QVERIFY(!settings().windowGeometry.isEmpty());
     }
 };
 
