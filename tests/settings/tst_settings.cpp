@@ -73,9 +73,7 @@ private Q_SLOTS:
             {"preferences", "cacheSize", "4097", "512"},
             {"preferences", "cacheSize", "4294968320", "512"}, // 1024 in its lower 32 bits
             {"preferences", "cacheSize", "many", "512"},
-            {"preferences", "numRecentFiles", "0", "0"},
             {"preferences", "tcpPort", "65536", "17171"},
-            {"preferences", "cacheTrailingPct", "0.25", "0.25"},
             {"preferences", "cacheTrailingPct", "nan", "0.8"},
             {"preferences", "cacheTrailingPct", R"(@Variant(\0\0\0\x87?@\0\0))", "0.75"},
             {"preferences", "cacheTrailingPct", R"(@Variant(\0\0\0\x87\x7f\x80\0\0))", "0.8"}, // infinite
