@@ -393,7 +393,11 @@ void PlaybackManager::setState(State state)
 void PlaybackManager::setStatus(Status status)
 {
     if (m_status != status) {
+        const bool wasLoading = m_status == Loading;
         m_status = status;
+        if (wasLoading) {
+            giveBackClosedSource();
+        }
         Q_EMIT statusChanged(status);
     }
 }

@@ -189,6 +189,7 @@ private:
     void handleSeeked();
     void completeLoad();
     void finishUnload();
+    void giveBackClosedSource();
     void issueSeek(double time, Reach reach);
     void endSeek();
     [[nodiscard]] bool isComing(double time) const;
@@ -207,6 +208,7 @@ private:
     Error m_error = NoError;
     State m_state = Stopped;
     Status m_status = NoMedia;
+    std::unique_ptr<MediaSource> m_closedSource; // its memory waits to be given back
     std::unique_ptr<MediaSource> m_mediaSource; // outlives the engine's use of it: see leaveBehind
     EngineThreads m_engine;
     EngineStatus m_engineStatus;

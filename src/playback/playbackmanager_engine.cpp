@@ -194,19 +194,29 @@ void PlaybackManager::handleUnloading()
 void PlaybackManager::finishUnload()
 {
     ++m_revision;
-    // To give back the pages of a full cache takes long enough to be felt.
-    QThreadPool::globalInstance()->start(
-        [source = std::shared_ptr<MediaSource>(std::move(m_mediaSource))] {});
+    m_closedSource = std::move(m_mediaSource);
     m_engineStatus.media = MediaManager::Status{};
     m_engineStatus.audio = AudioManager::Idle;
     m_engineStatus.soundFailed = false;
     setStatus(NoMedia);
-    if (m_status != NoMedia) {
-        return;
+    if (m_status == NoMedia) {
+        setState(Stopped);
     }
-    setState(Stopped);
     if (m_status == NoMedia && !m_pendingFilename.isEmpty()) {
         createSource(QString(m_pendingFilename));
+    }
+    if (m_status != Loading) {
+        giveBackClosedSource();
+    }
+}
+
+// To give back the pages of a full cache takes long enough to be felt: not in this thread, and not
+// while another file is being opened.
+void PlaybackManager::giveBackClosedSource()
+{
+    if (m_closedSource) {
+        QThreadPool::globalInstance()->start(
+            [source = std::shared_ptr<MediaSource>(std::move(m_closedSource))] {});
     }
 }
 
