@@ -199,6 +199,7 @@ void Player::onStateChange(PlaybackManager::State state)
 
 void Player::onStatusChange(PlaybackManager::Status status)
 {
+    keepRoomForTimelines(status == PlaybackManager::Loading);
     switch (status) {
     case PlaybackManager::NoMedia:
         if (m_closePending) {
@@ -215,6 +216,20 @@ void Player::onStatusChange(PlaybackManager::Status status)
     default:
         return;
     }
+}
+
+// The first picture is shown before them; it shall not change its place when they come.
+void Player::keepRoomForTimelines(bool keep)
+{
+    const auto keepFor = [keep](QWidget* timeline, bool isWanted) {
+        QSizePolicy policy = timeline->sizePolicy();
+        if (policy.retainSizeWhenHidden() != (keep && isWanted)) {
+            policy.setRetainSizeWhenHidden(keep && isWanted);
+            timeline->setSizePolicy(policy);
+        }
+    };
+    keepFor(m_timeline, settings().showTimeline);
+    keepFor(m_rangeTimeline, settings().showRangeTimeline);
 }
 
 void Player::onLoaded()

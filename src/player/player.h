@@ -200,6 +200,7 @@ private:
     void connectRemote();
     void applySettings();
     void onLoaded();
+    void keepRoomForTimelines(bool keep);
     bool loadMedia(const QString& path, int rangeStart, int rangeEnd);
     void openAny(const QString& path, int rangeStart, int rangeEnd);
     void rebuildRecentMenus();
