@@ -29,8 +29,7 @@ double secondsTo(const DrivenPlayer& player, int frame)
 void holdStepKey(benchmark::State& state, const std::string& path)
 {
     const QString file = QString::fromStdString(path);
-    const Scene scene{ { QFileInfo(file).fileName(), file, 1920, 1080, frames, 25.0, 12.0, true,
-        true } };
+    const Scene scene{ { QFileInfo(file).fileName(), file, 1920, 1080, frames, 25.0, 12.0, true } };
     DrivenPlayer player;
     if (!player.start({ file }) || player.awaitSight(scene, 1) != scene.sightOf(1)) {
         state.SkipWithError("the file does not open");

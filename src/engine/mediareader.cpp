@@ -24,6 +24,7 @@ extern "C" {
 namespace {
 
 constexpr unsigned long fullQueuePauseMs = 1;
+constexpr int mostDecoderThreads = 16; // the library advises against more
 constexpr int bytesPerPixel = 3;
 // Keep the last frame's number within the stream: the end itself would count as one frame more.
 constexpr double endGuardSeconds = 0.0001;
@@ -233,7 +234,8 @@ int MediaReader::openStream(int index)
     }
     codec->pkt_timebase = stream.time_base;
     if (isVideo) {
-        codec->thread_count = 0; // as many as there are cores
+        // Each is a picture more to decode before the first one comes.
+        codec->thread_count = std::min(QThread::idealThreadCount(), mostDecoderThreads);
         codec->get_buffer2 = tagPictureBuffer;
         allowCallbackOnAnyThread(*codec);
     }
