@@ -223,6 +223,7 @@ int DrivenPlayer::launchAgain(const QStringList& arguments) const
 
 bool DrivenPlayer::close()
 {
+    static_cast<void>(focus()); // the window is another one once its kind has changed
     closeWindow(m_window);
     return m_process.waitForFinished(limitMs) && m_process.exitStatus() == QProcess::NormalExit
         && m_process.exitCode() == 0;
