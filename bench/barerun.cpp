@@ -6,6 +6,7 @@
 extern "C" {
 #include <libavcodec/avcodec.h>
 #include <libavformat/avformat.h>
+#include <libavutil/cpu.h>
 #include <libavutil/opt.h>
 #include <libswscale/swscale.h>
 }
@@ -41,7 +42,7 @@ BareRun::BareRun(const char* path)
     m_codec.reset(avcodec_alloc_context3(decoder));
     require(avcodec_parameters_to_context(m_codec.get(), format->streams[m_stream]->codecpar) >= 0,
         path);
-    m_codec->thread_count = std::min(QThread::idealThreadCount(), 16); // as the player's
+    m_codec->thread_count = std::clamp(av_cpu_count(), 1, 16); // as the player's
     require(avcodec_open2(m_codec.get(), decoder, nullptr) >= 0, "open the decoder");
     openConverter();
 }

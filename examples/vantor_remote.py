@@ -28,7 +28,7 @@ class Vantor:
         self._socket.close()
 
     def tell(self, line):
-        self._socket.sendall(line.encode() + b"\n")
+        self._socket.sendall(os.fsencode(line) + b"\n")
 
     def open(self, path, start=-1, end=-1):  # a media file, or a bookmarks file that ends in bmk
         if '"' in path or "'" in path:

@@ -1,6 +1,7 @@
 #include "translations.h"
 
 #include <QCoreApplication>
+#include <QGuiApplication>
 #include <QLibraryInfo>
 #include <QLocale>
 #include <QTranslator>
@@ -18,16 +19,27 @@ bool load(const QString& name, const QString& folder)
     return QCoreApplication::installTranslator(translator.release()); // child of the application
 }
 
-} // namespace
-
-void loadTranslations()
+void loadForSystem()
 {
-    load(QStringLiteral("qtbase"), QLibraryInfo::location(QLibraryInfo::TranslationsPath));
+    if (QLocale::system().uiLanguages().value(0).startsWith(QLatin1String("en"))) {
+        return; // the texts as they are; the languages after it are second choices
+    }
     // Beside the program where it was built, else where it is installed.
     const QString here = QCoreApplication::applicationDirPath();
     for (const char* folder : { "/translations", "/../share/vantor/translations" }) {
         if (load(QStringLiteral("vantor"), here + QLatin1String(folder))) {
+            // The toolkit's own texts, which alone would stand among English ones.
+            load(QStringLiteral("qtbase"), QLibraryInfo::location(QLibraryInfo::TranslationsPath));
             return;
         }
     }
+}
+
+} // namespace
+
+void loadTranslations()
+{
+    loadForSystem();
+    // Films run from left to right in every language, and so do timelines and buttons.
+    QGuiApplication::setLayoutDirection(Qt::LeftToRight);
 }

@@ -41,7 +41,7 @@ void AudioManager::prepareOutput()
     }
     // Afresh for every file, so that a device plugged in meanwhile is found.
     (void)m_library.terminate();
-    (void)m_library.initialize();
+    m_lastPaError = m_library.initialize();
 }
 
 void AudioManager::changeMediaSource(MediaSource* mediaSource)

@@ -44,7 +44,7 @@ public:
     [[nodiscard]] Status status() const { return m_status; }
 
 public Q_SLOTS: // Audio thread.
-    /// Searches for the output devices while the file is being opened, which takes as long. Where
+    /// Searches for the output devices, which takes long, while the file is still being read. Where
     /// that fails changeMediaSource() tries again, and tells.
     void prepareOutput();
     /// Decodes and plays `mediaSource` until it is aborted; null only stops. A source that was

@@ -57,6 +57,9 @@ void MediaManager::load(MediaSource* mediaSrc)
         raise(OpenError);
         return;
     }
+    if (mediaSrc->audioCodec) {
+        Q_EMIT soundFound();
+    }
     static_cast<void>(
         m_reader->readPackets(readAhead)); // an end or an error met here is met again by read()
     if (!mediaSrc->abortRequested) {

@@ -39,6 +39,7 @@ public:
 Q_SIGNALS:
     void error(MediaManager::Error err);
     void statusChanged(MediaManager::Status status);
+    void soundFound(); // the file that is loading has sound that can be decoded
     void released(); // unload() has let go of the source: nothing of it is used after this
 
 public Q_SLOTS:

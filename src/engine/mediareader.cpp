@@ -10,6 +10,7 @@
 extern "C" {
 #include <libavcodec/avcodec.h>
 #include <libavformat/avformat.h>
+#include <libavutil/cpu.h>
 #include <libavutil/dict.h>
 #include <libavutil/imgutils.h>
 }
@@ -235,7 +236,7 @@ int MediaReader::openStream(int index)
     codec->pkt_timebase = stream.time_base;
     if (isVideo) {
         // Each is a picture more to decode before the first one comes.
-        codec->thread_count = std::min(QThread::idealThreadCount(), mostDecoderThreads);
+        codec->thread_count = std::clamp(av_cpu_count(), 1, mostDecoderThreads);
         codec->get_buffer2 = tagPictureBuffer;
         allowCallbackOnAnyThread(*codec);
     }

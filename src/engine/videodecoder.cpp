@@ -212,13 +212,11 @@ void VideoDecoder::convertAndStore(const AVFrame& frame, double time)
     if (cache.discarding) {
         return;
     }
-    if (m_gap) {
-        cache.reset();
-        m_gap = false;
-    }
-    awaitRoom(); // before memory is taken for the picture
-    if (cache.discarding) {
-        return;
+    if (!m_gap) {
+        awaitRoom(); // before memory is taken for the picture
+        if (cache.discarding || m_source->abortRequested) {
+            return;
+        }
     }
     std::unique_ptr<DecodedVideoFrame> picture =
         cache.obtain(m_converter.pictureBytes(), m_source->width, m_source->height);
@@ -227,6 +225,10 @@ void VideoDecoder::convertAndStore(const AVFrame& frame, double time)
         return;
     }
     picture->time = time;
+    if (m_gap) {
+        cache.reset();
+        m_gap = false;
+    }
     av_frame_unref(m_newestDropped.get());
     while (!m_source->abortRequested && !cache.put(picture, 1.0 / m_source->frameRate)) {
         awaitRoom();

@@ -285,6 +285,7 @@ void PlaybackManager::showFirstPicture()
     constexpr double anyPicture = -std::numeric_limits<double>::infinity();
     if (m_presenter.show(*m_mediaSource, false, anyPicture) == FramePresenter::Result::Shown) {
         m_pictureTimer.stop();
+        giveBackClosedSource();
     }
 }
 

@@ -27,7 +27,7 @@ void PlaybackManager::wireMedia()
 void PlaybackManager::wireAudio()
 {
     AudioManager* audio = &m_engine.audio();
-    connect(this, &PlaybackManager::mediaSourceChanged, audio, &AudioManager::prepareOutput);
+    connect(&m_engine.media(), &MediaManager::soundFound, audio, &AudioManager::prepareOutput);
     connect(this, &PlaybackManager::mediaSourceLoaded, audio, &AudioManager::changeMediaSource);
     connect(this, &PlaybackManager::unloadAudioVideo, audio, &AudioManager::stopDecoding);
     connect(audio, &AudioManager::error, this, &PlaybackManager::onAudioError);

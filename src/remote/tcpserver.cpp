@@ -126,7 +126,7 @@ void TcpServer::runLines()
             newestFrame = command;
         } else {
             m_nextTurn.start();
-            if (newestFrame) {
+            if (newestFrame && command->kind != Kind::Frame) {
                 run(*newestFrame);
             }
             run(*command);

@@ -16,7 +16,8 @@
 class QTcpServer;
 
 /// Lets other programs of this machine drive the player by lines of text. It answers nothing: every
-/// line it understands becomes a signal, in the order in which they came. GUI thread.
+/// line it understands becomes a signal, in the order in which they came; of a flood of frames only
+/// some, and the newest. GUI thread.
 ///
 /// One connection is served at a time, the newest; what an earlier one sends from then on is not
 /// looked at. Lines are carried out for a few milliseconds at a time, so that a flood of them holds

@@ -15,7 +15,7 @@ constexpr int playingMs = 500; // in which a clip that plays shows another frame
 QString speed(DrivenPlayer& player)
 {
     player.hold("Control+0");
-    const QString text = player.textOf("Playback Speed");
+    QString text = player.textOf("Playback Speed");
     player.hold("Escape");
     player.focus();
     return text;

@@ -84,7 +84,8 @@ private Q_SLOTS:
             { std::tuple(false, 306, 51), std::tuple(false, 307, 53), std::tuple(true, 294, 51),
                 std::tuple(true, 293, 50) }) {
             const auto timeline = makeTimeline(ofRange);
-            QTimer::singleShot(0, [] { QApplication::activePopupWidget()->close(); });
+            QTimer::singleShot(
+                0, timeline.get(), [] { QApplication::activePopupWidget()->close(); });
             timeline->contextMenu({ x, 30 });
             auto* end = timeline->findChild<QAction*>("rangeEnd");
             QCOMPARE(end->text().endsWith("Current"), frame == 51);
