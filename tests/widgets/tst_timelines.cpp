@@ -84,8 +84,10 @@ private Q_SLOTS:
             { std::tuple(false, 306, 51), std::tuple(false, 307, 53), std::tuple(true, 294, 51),
                 std::tuple(true, 293, 50) }) {
             const auto timeline = makeTimeline(ofRange);
-            QTimer::singleShot(
-                0, timeline.get(), [] { QApplication::activePopupWidget()->close(); });
+            QTimer closer;
+            closer.setSingleShot(true);
+            connect(&closer, &QTimer::timeout, [] { QApplication::activePopupWidget()->close(); });
+            closer.start(0);
             timeline->contextMenu({ x, 30 });
             auto* end = timeline->findChild<QAction*>("rangeEnd");
             QCOMPARE(end->text().endsWith("Current"), frame == 51);
