@@ -142,7 +142,7 @@ void TcpServer::runLines()
 std::optional<RemoteCommand> TcpServer::nextCommand()
 {
     while (!m_earlier.empty()) {
-        if (const auto command = takeLine(m_earlier.front())) {
+        if (auto command = takeLine(m_earlier.front())) {
             return command;
         }
         m_earlier.pop_front();
@@ -159,7 +159,7 @@ std::optional<RemoteCommand> TcpServer::takeLine(Client& client)
         return std::nullopt;
     }
     const bool isFirst = std::exchange(client.beforeFirstLine, false);
-    const auto command = line->whole ? parseCommandLine(line->bytes) : RemoteCommand{};
+    auto command = line->whole ? parseCommandLine(line->bytes) : RemoteCommand{};
     const bool isUnwelcome = isFirst && isBrowserRequest(line->bytes, line->whole);
     if (!isUnwelcome && command.kind != Kind::Exit) {
         return command;

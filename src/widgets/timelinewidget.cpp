@@ -283,6 +283,8 @@ void TimelineWidget::mouseReleaseEvent(QMouseEvent* event)
 
 void TimelineWidget::leaveEvent(QEvent* /*event*/)
 {
-    m_hover = Hover::None;
+    if (m_hover == Hover::Range) { // an end's handle stays until the pointer is back
+        m_hover = Hover::None;
+    }
     update();
 }

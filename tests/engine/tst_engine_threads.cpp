@@ -111,7 +111,8 @@ private:
     void play()
     {
         constexpr int blockFrames = 300;
-        std::vector<int16_t> out(blockFrames * source.outputChannels);
+        std::vector<int16_t> out(
+            size_t{ blockFrames } * static_cast<size_t>(source.outputChannels));
         while (!source.abortRequested) {
             fillOutput(source, out.data(), blockFrames);
             loudBlocks += *std::max_element(out.begin(), out.end()) > 500 ? 1 : 0;

@@ -60,7 +60,7 @@ private Q_SLOTS:
         QRandomGenerator random(200);
         PlaybackRig rig;
         for (int copy = 0; copy < 200; ++copy) {
-            const QString name = names[copy % names.size()];
+            const QString& name = names[copy % names.size()];
             QByteArray damaged = contentOf(name);
             for (int i = 0; i < 20; ++i) { // half of them in the headers, where it hurts most
                 const int place = random.bounded(i % 2 == 0 ? 2000 : damaged.size());
