@@ -86,6 +86,12 @@ private Q_SLOTS:
             QCOMPARE(found.mediaPath, bookmarks.mediaPath);
         }
         QVERIFY(!bookmarksfile::write(bookmarks, m_folder.filePath("none/test.bmk")));
+        qputenv("TMPDIR", "/dev/full"); // no room for temporary files
+        QVERIFY(bookmarksfile::write(bookmarks, path));
+        QVERIFY(bookmarksfile::write(bookmarks, m_folder.filePath("new.bmk")));
+        QCOMPARE(QDir(m_folder.path()).entryList(QDir::Dirs | QDir::Hidden | QDir::NoDotAndDotDot),
+            QStringList());
+        qunsetenv("TMPDIR");
     }
 
     void cycling_wrapsRoundAlsoFromBetween()
