@@ -72,6 +72,7 @@ void fillOutput(MediaSource& source, int16_t* out, int frameCount)
         source.audioFrames.resetReadPosition();
     }
     if (source.playing && source.clock.speed == audibleSpeed) {
+        source.scrubBufferStale = true; // a slice that was called off half-way is not resumed
         readAtClock(source, out, frameCount);
         return;
     }
@@ -79,7 +80,7 @@ void fillOutput(MediaSource& source, int16_t* out, int frameCount)
     const int sliceFrames = fittingScrubFrames(
         source.scrubSampleCount, source.outputChannels, MediaSource::scratchSamples);
     if (!requested || sliceFrames < 1) {
-        source.scrubBufferStale = true; // a slice that was called off half-way is not resumed
+        source.scrubBufferStale = true;
         silence(source, out, frameCount);
         return;
     }

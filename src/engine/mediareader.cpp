@@ -235,8 +235,10 @@ int MediaReader::openStream(int index)
     }
     codec->pkt_timebase = stream.time_base;
     if (isVideo) {
-        // Each is a picture more to decode before the first one comes.
-        codec->thread_count = std::clamp(av_cpu_count(), 1, mostDecoderThreads);
+        // Each is a picture more to decode before the first one comes; of a cover there is just
+        // one.
+        codec->thread_count =
+            isCover(stream) ? 1 : std::clamp(av_cpu_count(), 1, mostDecoderThreads);
         codec->get_buffer2 = tagPictureBuffer;
         allowCallbackOnAnyThread(*codec);
     }

@@ -139,8 +139,9 @@ public:
     // Seconds; demuxer sets, before the flush marker: pictures from there up to the landing's
     // target are kept, however old they are.
     std::atomic<double> keptFrom{ 0.0 };
-    // Seconds, video thread: where the newest picture since the last load or seek ends, kept or
-    // not.
+    // Seconds, video thread: where the first picture since the last seek starts and the newest one
+    // ends, kept or not. Both are set before the first picture can be in the cache.
+    std::atomic<double> decodedFrom{ -nothingDecoded };
     std::atomic<double> decodedTo{ nothingDecoded };
 
     PlaybackClock clock;

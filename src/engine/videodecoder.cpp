@@ -37,6 +37,8 @@ VideoDecoder::VideoDecoder(MediaSource* mediaSource, std::function<void()> waits
     , m_waitsForRoom(std::move(waitsForRoom))
     , m_frame(makeFrame())
     , m_newestDropped(makeFrame())
+    , m_newestTime(MediaSource::nothingDecoded)
+    , m_newestSkippedTime(MediaSource::nothingDecoded)
     , m_timer(timing(*mediaSource))
     , m_converter(mediaSource->width, mediaSource->height)
 {
@@ -105,7 +107,7 @@ int VideoDecoder::drain()
     // An error is that of a picture still in the decoder, and good ones may lie behind it.
     static_cast<void>(avcodec_send_packet(m_source->videoCodec.get(), nullptr));
     receivePictures();
-    m_hasSkippedLast = m_newestDropped->buf[0] && m_newestSkippedTime > m_newestDroppedTime;
+    m_hasSkippedLast = m_newestSkippedTime > m_newestTime;
     m_source->decodesAll = m_source->decodesAll || m_hasSkippedLast;
     storeNewestDropped();
     m_source->decodedTo = std::numeric_limits<double>::infinity();
@@ -119,13 +121,15 @@ int VideoDecoder::drain()
 
 void VideoDecoder::flush(const AVPacket& marker)
 {
+    m_source->decodedTo = MediaSource::nothingDecoded;
+    m_source->decodedFrom = -MediaSource::nothingDecoded;
     m_source->stopDiscarding(m_source->videoFrames.discarding, marker.pts);
     m_timer.flush();
-    m_source->decodedTo = MediaSource::nothingDecoded;
     avcodec_flush_buffers(m_source->videoCodec.get());
     av_frame_unref(m_newestDropped.get());
     m_gap = false;
-    m_newestSkippedTime = 0.0;
+    m_newestTime = MediaSource::nothingDecoded;
+    m_newestSkippedTime = MediaSource::nothingDecoded;
     m_hasSkippedLast = false;
     m_landingSerial = marker.pts;
     m_judgesLanding = m_source->landing.isAsked(m_landingSerial);
@@ -159,8 +163,12 @@ void VideoDecoder::handlePicture()
         m_source->videoFrames.setEndTime(m_source->containerDuration);
         return;
     }
+    m_newestTime = std::max(m_newestTime, time);
     if (!passesLanding(time)) {
         return;
+    }
+    if (time < m_source->decodedFrom) {
+        m_source->decodedFrom = time;
     }
     m_source->decodedTo = time + 1.0 / m_source->frameRate; // before it can be dropped
     if (isWanted(time)) {
@@ -212,11 +220,13 @@ void VideoDecoder::convertAndStore(const AVFrame& frame, double time)
     if (cache.discarding) {
         return;
     }
-    if (!m_gap) {
+    if (m_gap) {
+        awaitPlayHeadOutsideCache();
+    } else {
         awaitRoom(); // before memory is taken for the picture
-        if (cache.discarding || m_source->abortRequested) {
-            return;
-        }
+    }
+    if (cache.discarding || m_source->abortRequested) {
+        return;
     }
     std::unique_ptr<DecodedVideoFrame> picture =
         cache.obtain(m_converter.pictureBytes(), m_source->width, m_source->height);
@@ -239,9 +249,25 @@ void VideoDecoder::awaitRoom()
 {
     while (
         !m_source->abortRequested && !m_source->videoFrames.hasRoom(m_source->clockTime(false))) {
-        if (m_waitsForRoom) {
-            m_waitsForRoom();
-        }
-        QThread::msleep(fullCachePauseMs);
+        pauseForPlayHead();
     }
+}
+
+// Pictures were dropped as too late, and then the play head went back to what is cached: to start
+// the cache anew would take the picture on show away.
+void VideoDecoder::awaitPlayHeadOutsideCache()
+{
+    VideoFrameCache& cache = m_source->videoFrames;
+    while (!m_source->abortRequested && !cache.discarding
+        && cache.contains(m_source->clockTime(false))) {
+        pauseForPlayHead();
+    }
+}
+
+void VideoDecoder::pauseForPlayHead()
+{
+    if (m_waitsForRoom) {
+        m_waitsForRoom();
+    }
+    QThread::msleep(fullCachePauseMs);
 }

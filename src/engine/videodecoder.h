@@ -44,13 +44,18 @@ private:
     void storeNewestDropped();
     void convertAndStore(const AVFrame& frame, double time);
     void awaitRoom();
+    void awaitPlayHeadOutsideCache();
+    void pauseForPlayHead();
 
     MediaSource* const m_source; // not owned
     const std::function<void()> m_waitsForRoom;
     const AvPtr<AVFrame> m_frame;
     const AvPtr<AVFrame> m_newestDropped; // since the last picture stored, else empty
     double m_newestDroppedTime = 0.0; // seconds
-    double m_newestSkippedTime = 0.0; // seconds; since the last flush, 0 for none
+    // Seconds, since the last flush: the newest picture that came out, and the newest one that may
+    // have been skipped.
+    double m_newestTime;
+    double m_newestSkippedTime;
     bool m_gap = false; // a picture is missing behind the newest one stored
     FrameTimer m_timer;
     RgbConverter m_converter;

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <limits>
 #include <new>
+#include <utility>
 
 namespace {
 
@@ -230,6 +231,12 @@ void VideoFrameCache::reset()
     m_endTime = 0.0;
     m_startTime = 0.0;
     m_complete = false;
+}
+
+VideoFrameCache::FrameLists VideoFrameCache::takeRetired()
+{
+    const ScopedLock lock(m_mutex);
+    return std::exchange(m_retired, {});
 }
 
 void VideoFrameCache::clear()

@@ -75,6 +75,11 @@ public:
     /// puts.
     void reset();
 
+    /// Any thread. What reset() has left to later puts, for the caller to free where it may take
+    /// its time.
+    using FrameLists = std::deque<std::deque<std::unique_ptr<DecodedVideoFrame>>>;
+    [[nodiscard]] FrameLists takeRetired();
+
     /// Empties the cache and gives all its memory back at once. No other thread may be using a
     /// picture.
     void clear();
@@ -109,7 +114,7 @@ private:
 
     QMutex m_mutex; // guards everything below
     std::deque<FramePtr> m_frames; // in decoding order, ascending time
-    std::deque<std::deque<FramePtr>> m_retired; // whole lists set aside by reset
+    FrameLists m_retired; // whole lists set aside by reset
     std::vector<FramePtr> m_spare; // a few pictures whose memory can be used again
     QSemaphore m_freeSlots; // changes only under the lock
     QSemaphore m_usedSlots; // changes only under the lock

@@ -4,9 +4,11 @@
 #include "mediasource.h"
 
 #include <QFileInfo>
+#include <QThreadPool>
 
 #include <algorithm>
 #include <limits>
+#include <memory>
 
 namespace {
 
@@ -15,14 +17,6 @@ constexpr int pictureIntervalMs = 1;
 constexpr double endGuardSeconds = 0.0001; // the play head rests this far before the end
 constexpr double fullVolumePercent = 100.0;
 constexpr int64_t bytesPerPixel = 3;
-constexpr double framesWaitedFor = 12.0; // beyond what is decoded; a seek decodes about as many
-
-// Before, the decoders may not have begun; after, they have been told to let go.
-bool canBePositioned(PlaybackManager::Status status)
-{
-    return status == PlaybackManager::Loaded || status == PlaybackManager::Ready
-        || status == PlaybackManager::Seeking || status == PlaybackManager::EndOfMedia;
-}
 
 } // namespace
 
@@ -100,6 +94,8 @@ void PlaybackManager::createSource(const QString& filename)
     m_audioScrubDuration = 0.0;
     m_positionedAt = 0.0;
     m_comingTo = nothingComing;
+    m_lastSkipped = false;
+    m_sliceOwed = false;
     m_unload = {};
     m_mediaSource = std::make_unique<MediaSource>(filename);
     setStatus(Loading);
@@ -139,6 +135,7 @@ void PlaybackManager::pause()
     if (wasPlaying && m_revision == revision && m_status == Ready) {
         updatePlaybackTime(); // the clock may have crossed into the next frame since the last tick
     }
+    decodeSkippedLast();
 }
 
 void PlaybackManager::haltPlayback()
@@ -236,6 +233,7 @@ void PlaybackManager::advancePlayHead(bool pastEndHandled)
         }
         m_mediaSource->resetClock(end - endGuardSeconds);
         advancePlayHead(true);
+        decodeSkippedLast();
         return;
     }
     setStatus(Ready);
@@ -276,6 +274,11 @@ void PlaybackManager::updateVideoFrame(bool refresh)
     } else {
         m_pictureTimer.stop();
     }
+    // Without waiting the decoder has no new status to tell, which would ask for the slice.
+    if (m_sliceOwed && !moving && result == FramePresenter::Result::Shown
+        && m_engineStatus.readyAtPlayHead()) {
+        requestAudioSlice();
+    }
 }
 
 // As soon as it is decoded; the file is ready only some pictures later.
@@ -292,90 +295,6 @@ void PlaybackManager::showFirstPicture()
 void PlaybackManager::clearVideoFrame()
 {
     m_presenter.clear();
-}
-
-void PlaybackManager::seek(bool clearCache, double time, double audioScrubDuration, Reach reach)
-{
-    if (!m_mediaSource || m_state == Stopped || !canBePositioned(m_status)) {
-        return;
-    }
-    const unsigned revision = ++m_revision;
-    haltPlayback();
-    if (m_revision != revision || !canBePositioned(m_status)) {
-        return;
-    }
-    MediaSource& source = *m_mediaSource;
-    const double target = time > 0.0 ? time : 0.0;
-    m_audioScrubDuration = audioScrubDuration;
-    m_positionedAt = target;
-    source.scrubForward = target >= source.clockTime(true);
-    source.audioResyncRequested = true;
-    if (m_seekRunning) {
-        m_pendingSeekTime = target;
-        m_pendingReach = reach;
-        m_pendingClearsCache = clearCache;
-    } else if (!clearCache && source.picturesPaceSound() && source.videoFrames.contains(target)) {
-        source.resetClock(target);
-        updatePlaybackTime();
-        if (m_revision != revision) {
-            return;
-        }
-        if (source.cachedStartTime() > target) {
-            issueSeek(target, reach); // the decoder has just evicted it
-        } else {
-            requestAudioSlice();
-        }
-    } else if (!clearCache && isComing(target)) {
-        source.resetClock(target);
-        updatePlaybackTime();
-    } else {
-        issueSeek(target, reach);
-    }
-}
-
-// Outside the cache, but the decoder is on its way there: a seek would begin anew. What the last
-// seek keeps may be asked for in any order; further on, only forward, as pictures far behind the
-// clock are not kept.
-bool PlaybackManager::isComing(double time) const
-{
-    const MediaSource& source = *m_mediaSource;
-    if (!source.picturesPaceSound() || source.readFailed) {
-        return false;
-    }
-    const double reached = source.decodedTo;
-    if (time >= m_comingFrom && time <= m_comingTo) {
-        return reached < m_comingTo;
-    }
-    const double furthest = std::max(reached, m_comingTo) + framesWaitedFor * frameDuration();
-    return time >= source.clock.time() && time >= reached && time <= furthest;
-}
-
-void PlaybackManager::issueSeek(double time, Reach reach)
-{
-    const int framesKept = reach == Reach::Backward ? m_mediaSource->videoFrames.trailing() - 1 : 0;
-    const double seconds = std::max(framesKept, 0) * frameDuration();
-    m_comingFrom = time - seconds;
-    m_comingTo = time;
-    m_pendingSeekTime = -1.0;
-    m_pictureTimer.stop();
-    m_seekRunning = true;
-    m_engineStatus.media = MediaManager::Reading; // an earlier seek's answer is not this one's
-    m_mediaSource->seekTime = time;
-    m_mediaSource->seekReach = seconds;
-    m_mediaSource->seekRequested.store(true, std::memory_order_release);
-    setStatus(Seeking);
-    if (m_seekRunning) { // unless whoever heard the status has stopped meanwhile
-        Q_EMIT seekRequested();
-    }
-}
-
-void PlaybackManager::requestAudioSlice()
-{
-    MediaSource& source = *m_mediaSource;
-    source.scrubSampleCount = static_cast<int32_t>(std::clamp(
-        source.sampleRate * m_audioScrubDuration, 0.0, double{ MediaSource::scratchSamples }));
-    source.audioResyncRequested = true;
-    source.scrubRequested.store(true, std::memory_order_release);
 }
 
 void PlaybackManager::rebaseClock()
@@ -465,7 +384,7 @@ void PlaybackManager::setCacheSize(int64_t bytes, float trailingPct)
     m_cacheSize = bytes;
     m_trailingCachePct = trailingPct;
     m_cacheResized = true;
-    if (m_mediaSource && m_state != Stopped && canBePositioned(m_status)) {
+    if (canBePositioned()) {
         resizeCache();
         seek(false, playbackTime(), 0.0);
     }
@@ -493,6 +412,9 @@ void PlaybackManager::resizeCache()
     MediaSource& source = *m_mediaSource;
     const int64_t frameBytes = bytesPerPixel * source.videoWidth() * source.videoHeight();
     source.videoFrames.setCacheSize(m_cacheSize, frameBytes, m_trailingCachePct);
+    QThreadPool::globalInstance()->start(
+        [pictures = std::make_shared<VideoFrameCache::FrameLists>(
+             source.videoFrames.takeRetired())] {}); // too many for the new size, perhaps
     m_comingTo = nothingComing;
     m_cacheResized = false;
 }

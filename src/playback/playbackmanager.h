@@ -190,8 +190,10 @@ private:
     void completeLoad();
     void finishUnload();
     void giveBackClosedSource();
+    [[nodiscard]] bool canBePositioned() const;
     void issueSeek(double time, Reach reach);
     void endSeek();
+    void decodeSkippedLast();
     [[nodiscard]] bool isComing(double time) const;
     void advancePlayHead(bool pastEndHandled);
     bool isHeld();
@@ -227,7 +229,9 @@ private:
     double m_comingFrom = 0.0;
     double m_comingTo = nothingComing;
     QString m_pendingFilename; // opened once the current file is unloaded
+    bool m_lastSkipped = false; // the stream's last picture is to be decoded again
     double m_audioScrubDuration = 0.0; // seconds
+    bool m_sliceOwed = false; // the slice at the play head is heard once its picture is shown
     double m_positionedAt = 0.0; // seconds; newest target of a positioning
     bool m_awaitingPicture = false; // playing begins with the picture at m_positionedAt
     int m_volume = 100; // percent

@@ -1,5 +1,5 @@
 // What the engine's answers lead to: the way of a file from Loading to Ready and through Unloading.
-// The play head and everything a person asks for stand in playbackmanager.cpp.
+// The play head and everything a person asks for stand in playbackmanager.cpp, but for positioning.
 #include "mediasource.h"
 #include "playbackerrors.h"
 #include "playbackmanager.h"
@@ -46,9 +46,8 @@ void PlaybackManager::wireVideo()
     connect(video, &VideoManager::error, this, &PlaybackManager::onVideoError);
     connect(video, &VideoManager::statusChanged, this, &PlaybackManager::onVideoStatusUpdate);
     connect(video, &VideoManager::lastPictureSkipped, this, [this] {
-        if (m_mediaSource && m_status == Ready && !m_seekRunning) {
-            issueSeek(playbackTime(), Reach::Target);
-        }
+        m_lastSkipped = true;
+        decodeSkippedLast();
     });
     connect(video, &VideoManager::released, this, [this] {
         m_unload.videoReleased = true;
@@ -150,31 +149,6 @@ void PlaybackManager::handleReady()
     updatePlaybackTime();
     if (m_revision == revision && m_status == Ready && m_state != Playing) {
         requestAudioSlice();
-    }
-}
-
-void PlaybackManager::handleSeeked()
-{
-    if (m_seekRunning && m_engineStatus.media == MediaManager::Seeked) {
-        endSeek();
-    }
-}
-
-// The seek that ran has ended, one way or the other.
-void PlaybackManager::endSeek()
-{
-    m_seekRunning = false;
-    if (m_pendingSeekTime >= 0.0 && (m_pendingClearsCache || !isComing(m_pendingSeekTime))) {
-        issueSeek(m_pendingSeekTime, m_pendingReach);
-        return;
-    }
-    if (const double pending = std::exchange(m_pendingSeekTime, -1.0); pending >= 0.0) {
-        m_mediaSource->resetClock(pending);
-    }
-    const unsigned revision = m_revision;
-    setStatus(Ready);
-    if (m_revision == revision && m_status == Ready) {
-        handleReady(); // the picture may have come before the demuxer's answer
     }
 }
 

@@ -234,11 +234,6 @@ void Player::keepRoomForTimelines(bool keep)
 
 void Player::onLoaded()
 {
-    // A file asked for last and refused leaves this one, whose bookmarks are not that file's.
-    const QString path = m_manager->mediaFilename();
-    if (QFileInfo(m_bookmarks.mediaPath).fileName() != QFileInfo(path).fileName()) {
-        m_bookmarks.mediaPath = path;
-    }
     showTitle(1);
     m_transport->onLoaded();
     for (TimelineWidget* timeline : { m_timeline, static_cast<TimelineWidget*>(m_rangeTimeline) }) {
@@ -273,6 +268,9 @@ void Player::reportError(const QString& text)
 
 void Player::storeSettings()
 {
+    if (m_console) {
+        settings().displayConsoleOnType = m_console->showOnLevel();
+    }
     if (!saveSettings()) {
         reportError(tr("Failed to save settings in %1 (check that there is room and that the "
                        "folder can be written)")
@@ -324,12 +322,12 @@ void Player::closeEvent(QCloseEvent* event)
         return;
     }
     m_closePending = true; // nothing is opened from now on
+    m_remote->close(); // a launch made from now on takes the port
     m_manager->stop(); // nor what is loading, or was to be opened next
     if (m_console->isVisible()) {
         m_console->close(); // which saves its geometry
     }
     settings().consoleGeometry = m_console->savedGeometry();
-    settings().displayConsoleOnType = m_console->showOnLevel();
     m_console.reset();
     rememberGeometry();
     storeSettings();

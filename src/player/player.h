@@ -202,6 +202,8 @@ private:
     void onLoaded();
     void keepRoomForTimelines(bool keep);
     bool loadMedia(const QString& path, int rangeStart, int rangeEnd);
+    bool setMedia(const QString& path);
+    bool isRefusedWhileLoading(const QString& path);
     void openAny(const QString& path, int rangeStart, int rangeEnd);
     void rebuildRecentMenus();
     void rememberBookmarksFile();

@@ -63,13 +63,15 @@ void Player::updateStats()
 void Player::preferences()
 {
     PreferencesDialog dialog(this);
+    const int shownCacheSize = dialog.cacheSize();
+    const float shownTrailingPct = dialog.cacheTrailingPct();
     dialog.setWindowFlag(Qt::WindowContextHelpButtonHint, false);
     if (dialog.exec() != QDialog::Accepted) {
         return;
     }
     Settings& values = settings();
-    if (values.cacheSize != dialog.cacheSize()
-        || values.cacheTrailingPct != dialog.cacheTrailingPct()) {
+    // Not with the settings: the form rounds what was written there by hand.
+    if (dialog.cacheSize() != shownCacheSize || dialog.cacheTrailingPct() != shownTrailingPct) {
         values.cacheSize = dialog.cacheSize();
         values.cacheTrailingPct = dialog.cacheTrailingPct();
         m_manager->setCacheSize(values.cacheSize * bytesPerMegabyte, values.cacheTrailingPct);

@@ -1,4 +1,5 @@
 // Opening, saving and copying files.
+#include "acceptedmedia.h"
 #include "bookmarksfile.h"
 #include "commandmenus.h"
 #include "filechoosers.h"
@@ -40,6 +41,9 @@ void Player::open(const QString& filename, int rangeStart, int rangeEnd)
         reportError(tr("File not found: %1").arg(path));
         return;
     }
+    if (isRefusedWhileLoading(path)) {
+        return;
+    }
     m_bookmarks.clear();
     m_bookmarksFile.clear();
     m_bookmarks.mediaPath = path;
@@ -52,8 +56,22 @@ void Player::open(const QString& filename, int rangeStart, int rangeEnd)
 bool Player::loadMedia(const QString& path, int rangeStart, int rangeEnd)
 {
     m_transport->expectMedia(rangeStart, rangeEnd);
+    return setMedia(path);
+}
+
+bool Player::setMedia(const QString& path)
+{
     return m_manager->setMedia(
         path, settings().cacheSize * bytesPerMegabyte, settings().cacheTrailingPct);
+}
+
+// Refusing a name leaves a file that is on its way alone: its range and bookmarks stay, too.
+bool Player::isRefusedWhileLoading(const QString& path)
+{
+    const PlaybackManager::Status status = m_manager->status();
+    const bool isOnItsWay =
+        isStopped() && (status == PlaybackManager::Loading || status == PlaybackManager::Unloading);
+    return isOnItsWay && !isAcceptedMedia(QFileInfo(path).suffix()) && !setMedia(path);
 }
 
 // By the name's end as it is written: "BMK" is no bookmarks file.
@@ -99,27 +117,33 @@ void Player::openBookmarksFile(const QString& filename, int rangeStart, int rang
     }
     show();
     const QFileInfo file(filename);
-    if (!file.exists()) {
+    if (!file.isFile()) {
         reportError(tr("Bookmarks file not found: %1").arg(file.absoluteFilePath()));
         return;
     }
+    Bookmarks found;
+    bookmarksfile::read(found, file.absoluteFilePath());
+    const QString media = found.mediaPath;
+    // Files that were moved together still belong together.
+    const QString beside = file.absoluteDir().filePath(QFileInfo(media).fileName());
+    const QString chosen = QFileInfo::exists(media) ? media : beside;
+    if (!media.isEmpty() && QFileInfo::exists(chosen) && isRefusedWhileLoading(chosen)) {
+        return;
+    }
+    m_bookmarks = found;
     m_bookmarksFile = file.absoluteFilePath();
-    bookmarksfile::read(m_bookmarks, m_bookmarksFile);
     m_timeline->update();
     m_rangeTimeline->update();
-    const QString media = m_bookmarks.mediaPath;
     if (media.isEmpty()) {
         reportError(tr("Media path not set in bookmarks file."));
         return;
     }
-    // Files that were moved together still belong together.
-    const QString beside = file.absoluteDir().filePath(QFileInfo(media).fileName());
-    if (!QFileInfo::exists(media) && !QFileInfo::exists(beside)) {
+    if (!QFileInfo::exists(chosen)) {
         reportError(tr("Media file not found: %1").arg(QFileInfo(beside).absoluteFilePath()));
         return;
     }
     rememberBookmarksFile();
-    loadMedia(QFileInfo::exists(media) ? media : beside, rangeStart, rangeEnd);
+    loadMedia(chosen, rangeStart, rangeEnd);
 }
 
 void Player::openRecentBookmarksFile()

@@ -88,7 +88,7 @@ void Player::resizeToFit(float scale)
 {
     layout()->activate(); // the view's size as it is now
     resize(windowplacement::sizeForVideo(
-        size(), m_viewer->size(), { m_manager->videoWidth(), m_manager->videoHeight() }, scale));
+        size(), m_viewer->size(), m_manager->shownVideoSize(), scale));
 }
 
 void Player::resizeToOriginal()
@@ -235,6 +235,9 @@ void Player::mouseMoveEvent(QMouseEvent* event)
         m_scrubber.move(pointer.x(), pixels, settings().endlessMouseScrub, desktopWidth);
     if (step.warpTo) {
         QCursor::setPos(*step.warpTo, pointer.y());
+        if (std::abs(QCursor::pos().x() - *step.warpTo) > desktopWidth / 2) {
+            m_scrubber.stayedAt(pointer.x());
+        }
     }
     if (step.frames != 0) {
         m_transport->scrubBy(step.frames);

@@ -49,6 +49,11 @@ bool TcpServer::listen()
         && m_server->listen(QHostAddress::LocalHost, static_cast<quint16>(settings().tcpPort));
 }
 
+void TcpServer::close()
+{
+    m_server->close();
+}
+
 quint16 TcpServer::port() const
 {
     return m_server->serverPort();

@@ -31,6 +31,8 @@ public:
     /// Listens on the loopback interface, at the port of the settings. False when it listens
     /// already or cannot.
     bool listen();
+    /// Listens no longer.
+    void close();
     /// The port in use; 0 while not listening.
     [[nodiscard]] quint16 port() const;
 

@@ -176,6 +176,10 @@ private Q_SLOTS:
         QCOMPARE(rig.settledOn(239), 239);
         rig.goTo(237, false); // not kept, perhaps
         QCOMPARE(rig.settledOn(237), 237);
+        QCOMPARE(rig.visit(400, true), 400);
+        rig.goTo(395, true, Manager::Reach::Backward); // would keep all, but begins at frame 251
+        rig.goTo(240, false, Manager::Reach::Backward);
+        QCOMPARE(rig.settledOn(240), 240);
     }
 
     void steppingWhileASeekRuns_addsUp()

@@ -21,6 +21,8 @@ public:
     /// the next move, what is left over beside whole frames is lost. Where the scrub has no end, a
     /// pointer at one edge of a desktop `desktopWidth` wide is to go on from the other.
     Step move(int x, int pixelsPerFrame, bool endless, int desktopWidth);
+    /// The pointer is still at `x`, where the last move was: not every desktop lets it be moved.
+    void stayedAt(int x) { m_lastX = x; }
 
 private:
     enum class Edge { None, Left, Right };

@@ -1,0 +1,146 @@
+// Positioning: the way to another frame, through the cache or by a seek, and the sound heard there.
+#include "mediasource.h"
+#include "playbackmanager.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace {
+constexpr double framesWaitedFor = 12.0; // beyond what is decoded; a seek decodes about as many
+}
+
+// Before, the decoders may not have begun; after, they have been told to let go.
+bool PlaybackManager::canBePositioned() const
+{
+    const bool isOpen =
+        m_status == Loaded || m_status == Ready || m_status == Seeking || m_status == EndOfMedia;
+    return m_mediaSource && m_state != Stopped && isOpen;
+}
+
+void PlaybackManager::seek(bool clearCache, double time, double audioScrubDuration, Reach reach)
+{
+    if (!canBePositioned()) {
+        return;
+    }
+    const unsigned revision = ++m_revision;
+    haltPlayback();
+    if (m_revision != revision || !canBePositioned()) {
+        return;
+    }
+    MediaSource& source = *m_mediaSource;
+    const double target = time > 0.0 ? time : 0.0;
+    m_audioScrubDuration = audioScrubDuration;
+    m_positionedAt = target;
+    source.scrubForward = target >= source.clockTime(true);
+    source.audioResyncRequested = true;
+    if (m_seekRunning) {
+        m_pendingSeekTime = target;
+        m_pendingReach = reach;
+        m_pendingClearsCache = clearCache;
+    } else if (clearCache || m_lastSkipped) {
+        issueSeek(target, reach);
+    } else if (source.picturesPaceSound() && source.videoFrames.contains(target)) {
+        source.resetClock(target);
+        updatePlaybackTime();
+        if (m_revision != revision) {
+            return;
+        }
+        if (source.cachedStartTime() > target) {
+            issueSeek(target, reach); // the decoder has just evicted it
+        } else {
+            requestAudioSlice();
+        }
+    } else if (isComing(target)) {
+        m_sliceOwed = true;
+        source.resetClock(target);
+        updatePlaybackTime();
+    } else {
+        issueSeek(target, reach);
+    }
+}
+
+// Outside the cache, but the decoder is on its way there: a seek would begin anew. What the last
+// seek keeps may be asked for in any order; further on, only forward, as pictures far behind the
+// clock are not kept.
+bool PlaybackManager::isComing(double time) const
+{
+    const MediaSource& source = *m_mediaSource;
+    if (!source.picturesPaceSound() || source.readFailed) {
+        return false;
+    }
+    const double reached = source.decodedTo;
+    if (time >= m_comingFrom && time <= m_comingTo) {
+        // It can begin at a key picture further on than what it was to keep.
+        return time >= source.decodedFrom && reached < m_comingTo;
+    }
+    const double furthest = std::max(reached, m_comingTo) + framesWaitedFor * frameDuration();
+    return time >= source.clock.time() && time >= reached && time <= furthest;
+}
+
+void PlaybackManager::issueSeek(double time, Reach reach)
+{
+    const int framesKept = reach == Reach::Backward ? m_mediaSource->videoFrames.trailing() - 1 : 0;
+    const double seconds = std::max(framesKept, 0) * frameDuration();
+    m_lastSkipped = false;
+    m_sliceOwed = false;
+    // The first frame of the reach starts a hair before it.
+    m_comingFrom = time - std::max(framesKept - 1, 0) * frameDuration();
+    m_comingTo = time;
+    m_pendingSeekTime = -1.0;
+    m_pictureTimer.stop();
+    m_seekRunning = true;
+    m_engineStatus.media = MediaManager::Reading; // an earlier seek's answer is not this one's
+    m_mediaSource->seekTime = time;
+    m_mediaSource->seekReach = seconds;
+    m_mediaSource->seekRequested.store(true, std::memory_order_release);
+    setStatus(Seeking);
+    if (m_seekRunning) { // unless whoever heard the status has stopped meanwhile
+        Q_EMIT seekRequested();
+    }
+}
+
+void PlaybackManager::handleSeeked()
+{
+    if (m_seekRunning && m_engineStatus.media == MediaManager::Seeked) {
+        endSeek();
+    }
+}
+
+// The seek that ran has ended, one way or the other.
+void PlaybackManager::endSeek()
+{
+    m_seekRunning = false;
+    if (m_pendingSeekTime >= 0.0 && (m_pendingClearsCache || !isComing(m_pendingSeekTime))) {
+        issueSeek(m_pendingSeekTime, m_pendingReach);
+        return;
+    }
+    if (const double pending = std::exchange(m_pendingSeekTime, -1.0); pending >= 0.0) {
+        m_mediaSource->resetClock(pending);
+    }
+    const unsigned revision = m_revision;
+    setStatus(Ready);
+    if (m_revision == revision && m_status == Ready) {
+        handleReady(); // the picture may have come before the demuxer's answer
+    }
+    decodeSkippedLast();
+}
+
+// The stream has ended on a picture that was skipped on the way to another one, and an earlier one
+// stands in its place. While playing or seeking that has to wait; the next seek mends it, too.
+void PlaybackManager::decodeSkippedLast()
+{
+    if (m_lastSkipped && m_mediaSource && m_status == Ready && m_state != Playing
+        && !m_seekRunning) {
+        issueSeek(playbackTime(), Reach::Target);
+    }
+}
+
+void PlaybackManager::requestAudioSlice()
+{
+    MediaSource& source = *m_mediaSource;
+    m_sliceOwed = false;
+    source.scrubSampleCount = static_cast<int32_t>(std::clamp(
+        source.sampleRate * m_audioScrubDuration, 0.0, double{ MediaSource::scratchSamples }));
+    source.audioResyncRequested = true;
+    source.scrubRequested.store(true, std::memory_order_release);
+}
