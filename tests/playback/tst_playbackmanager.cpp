@@ -115,6 +115,30 @@ private Q_SLOTS:
         QCOMPARE(rig.visit(99), 99);
     }
 
+    // On the way to a time behind it such a picture is skipped.
+    void lastPictureThatNoneRefersTo_isShownAllTheSame()
+    {
+        const QTemporaryDir folder;
+        const QString stream = folder.filePath("stream.hevc");
+        const QString path = folder.filePath("longsound.mkv");
+        const QString encode = "-v error -i %1 -frames:v 60 -an -c:v libx265 -x265-params "
+                               "bframes=0:keyint=250:log-level=none %2";
+        QCOMPARE(
+            QProcess::execute("ffmpeg", encode.arg(clip("longgop.mp4").path, stream).split(' ')),
+            0);
+        QFile file(stream);
+        QVERIFY(file.open(QIODevice::ReadWrite));
+        const QByteArray startCode("\0\0\1", 3);
+        const int lastUnit = file.readAll().lastIndexOf(startCode) + startCode.size();
+        QVERIFY(file.seek(lastUnit) && file.putChar('\0')); // TRAIL_N in the place of TRAIL_R
+        file.close();
+        QVERIFY(joinStreams(stream, clip("soundonly.mp4").path, path));
+        PlaybackRig rig;
+        QVERIFY(rig.open(path));
+        rig.goTo(138, true);
+        QCOMPARE(rig.settledOn(60), 60);
+    }
+
     void steppingBackAfterALaggingPlay_showsEveryFrame()
     {
         PlaybackRig rig;

@@ -32,11 +32,27 @@ private Q_SLOTS:
             const Clip& last = clip(m_names.at(order % m_names.size()));
             const int frame = m_random.bounded(1, last.frameCount + 1);
             QVERIFY2(m_rig.open(last.name), qPrintable(QString("order %1").arg(order)));
-            QCOMPARE(m_rig.visit(frame), frame);
+            if (order % 2 == 0) {
+                goToAny(last.frameCount);
+            }
+            m_rig.goTo(frame, false, anyReach());
+            QCOMPARE(m_rig.settledOn(frame), frame);
         }
     }
 
 private:
+    PlaybackManager::Reach anyReach()
+    {
+        return m_random.bounded(2) == 0 ? PlaybackManager::Reach::Backward
+                                        : PlaybackManager::Reach::Target;
+    }
+
+    void goToAny(int frameCount)
+    {
+        const int frame = m_random.bounded(1, frameCount + 1);
+        m_rig.goTo(frame, m_random.bounded(2) == 0, anyReach());
+    }
+
     void ask()
     {
         switch (m_random.bounded(6)) {
@@ -50,7 +66,7 @@ private:
             m_rig.manager.stop();
             break;
         default:
-            m_rig.goTo(m_random.bounded(1, framesOfEveryClip + 1), m_random.bounded(2) == 0);
+            goToAny(framesOfEveryClip);
         }
         if (m_random.bounded(2) == 0) {
             QTest::qWait(m_random.bounded(12));
