@@ -29,6 +29,7 @@ void PlaybackManager::seek(bool clearCache, double time, double audioScrubDurati
     }
     MediaSource& source = *m_mediaSource;
     const double target = time > 0.0 ? time : 0.0;
+    const bool decodeAnew = clearCache || m_lastSkipped;
     m_audioScrubDuration = audioScrubDuration;
     m_positionedAt = target;
     source.scrubForward = target >= source.clockTime(true);
@@ -37,9 +38,7 @@ void PlaybackManager::seek(bool clearCache, double time, double audioScrubDurati
         m_pendingSeekTime = target;
         m_pendingReach = reach;
         m_pendingClearsCache = clearCache;
-    } else if (clearCache || m_lastSkipped) {
-        issueSeek(target, reach);
-    } else if (source.picturesPaceSound() && source.videoFrames.contains(target)) {
+    } else if (!decodeAnew && source.picturesPaceSound() && source.videoFrames.contains(target)) {
         source.resetClock(target);
         updatePlaybackTime();
         if (m_revision != revision) {
@@ -50,7 +49,7 @@ void PlaybackManager::seek(bool clearCache, double time, double audioScrubDurati
         } else {
             requestAudioSlice();
         }
-    } else if (isComing(target)) {
+    } else if (!decodeAnew && isComing(target)) {
         m_sliceOwed = true;
         source.resetClock(target);
         updatePlaybackTime();
