@@ -63,7 +63,9 @@ void TestCommands::scripts_data()
         "Control+Shift+r r saved/ranges:10,50,10-50");
     marked("no range", "#10 Control+p Control+Right #200 Control+Left #1");
     add("cache", "=10 cached:true Right*5 #15 c cached:false =15");
-    add("sizes", "#10 1 height:180 2 height:90 3 height:45 Control+2 height:360 Control+Shift+m 1 height:320");
+    add("sizes",
+        "#10 1 height:180 2 height:90 3 height:45 Control+2 height:360 Control+Shift+m 1 "
+        "height:320");
     add("flip", "=10 turn:0 x turn:mirrored0 y turn:180 x turn:mirrored180 y turn:0");
     add("switches",
         "#10 m t close main/muted:true main/showTimeline:true "
