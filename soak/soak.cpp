@@ -404,6 +404,7 @@ QString Soak::cacheSize()
     press({ "Control+Shift+p" });
     if (!m_player.focus("Preferences")) {
         m_fault = "the preferences do not open";
+        return m_fault;
     }
     m_player.hold("Tab");
     for (const QChar digit : megabytes) {

@@ -283,8 +283,6 @@ void TimelineWidget::mouseReleaseEvent(QMouseEvent* event)
 
 void TimelineWidget::leaveEvent(QEvent* /*event*/)
 {
-    if (m_hover == Hover::Range) { // an end's handle stays until the pointer is back
-        m_hover = Hover::None;
-    }
+    m_hover = Hover::None; // of an end, too: its handle would stay without a pointer on it
     update();
 }
