@@ -130,11 +130,9 @@ void PlaybackManager::completeLoad()
     if (m_revision == revision && m_status == Ready) {
         handleReady(); // the decoders may have come further while this loaded
     }
-    if (m_cacheResized && m_mediaSource && (m_status == Ready || m_status == Seeking)) {
+    if (m_cacheResized && canBePositioned()) {
         resizeCache(); // asked for while the file was loading
-        if (m_revision == revision && m_status == Ready) {
-            seek(true, 0.0, 0.0);
-        }
+        seek(true, playbackTime(), m_audioScrubDuration); // wherever the play head is by now
     }
 }
 

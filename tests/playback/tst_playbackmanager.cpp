@@ -219,6 +219,24 @@ private Q_SLOTS:
         QCOMPARE(rig.settledOn(210), 210);
     }
 
+    void cacheResizedWhileAFileLoads_keepsTheFrameAskedForAtReady()
+    {
+        PlaybackRig rig;
+        bool isFirst = true;
+        connect(&rig.manager, &Manager::statusChanged, this, [&](Manager::Status status) {
+            if (status == Manager::Ready && std::exchange(isFirst, false)) {
+                rig.goTo(6);
+            }
+        });
+        connect(&rig.manager, &Manager::mediaSourceLoaded, this,
+            [&] { rig.manager.setCacheSize(300'000'000, 0.5F); });
+        QVERIFY(rig.request("prores.mov"));
+        QCOMPARE(rig.settledOn(6), 6);
+        QTest::qWait(100);
+        rig.manager.setFlip(false, false); // paints anew
+        QCOMPARE(rig.settledOn(6), 6);
+    }
+
     void failedOpen_isSaidOnceAndLeavesTheWayFree()
     {
         PlaybackRig rig;
