@@ -69,7 +69,8 @@ const QVector<Soak::Deed>& Soak::deeds()
 Soak::Soak(quint32 seed, int seconds)
     : m_random(seed)
     , m_seconds(seconds)
-    , m_player({ { "preferences/tcpPort", m_port } })
+    // A console on show takes the keyboard with each error, at any moment between two keys.
+    , m_player({ { "preferences/tcpPort", m_port }, { "console/displayConsoleOnType", 0 } })
 {
     makeFiles();
 }
