@@ -41,5 +41,7 @@ void loadTranslations()
 {
     loadForSystem();
     // Films run from left to right in every language, and so do timelines and buttons.
-    QGuiApplication::setLayoutDirection(Qt::LeftToRight);
+    if (qobject_cast<QGuiApplication*>(QCoreApplication::instance())) { // else no window is shown
+        QGuiApplication::setLayoutDirection(Qt::LeftToRight);
+    }
 }
