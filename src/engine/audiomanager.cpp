@@ -40,8 +40,8 @@ void AudioManager::prepareOutput()
         return;
     }
     // Afresh for every file, so that a device plugged in meanwhile is found.
-    (void)m_library.terminate();
-    m_lastPaError = m_library.initialize();
+    (void)m_output.terminate();
+    m_lastPaError = m_output.initialize();
 }
 
 void AudioManager::changeMediaSource(MediaSource* mediaSource)
@@ -59,15 +59,24 @@ void AudioManager::changeMediaSource(MediaSource* mediaSource)
         return;
     }
     if (!setUpOutput()) {
-        mediaSource->soundUnused.store(true, std::memory_order_release);
-        setStatus(NoAudio);
+        playSilently();
         return;
     }
     m_decoder = std::make_unique<AudioDecoder>(*mediaSource);
     for (int step = 0; step < prefillSteps && m_decoder->decodeNext() >= 0; ++step) { }
     setStatus(Decoding);
     beginWritingStream();
+    if (!m_output.isOpen()) { // the sound system does not answer
+        playSilently();
+        return;
+    }
     startDecoding();
+}
+
+void AudioManager::playSilently()
+{
+    m_mediaSource->soundUnused.store(true, std::memory_order_release);
+    setStatus(NoAudio);
 }
 
 bool AudioManager::setUpOutput()
@@ -80,7 +89,7 @@ bool AudioManager::setUpOutput()
         Logger::displayWarning(QStringLiteral("The audio stream names no rate or no channels."));
         return false;
     }
-    if (!m_library.isInitialized() && !succeeded(m_library.initialize(), InitError)) {
+    if (!m_output.isInitialized() && !succeeded(m_output.initialize(), InitError)) {
         return false;
     }
     return openStream();
@@ -88,29 +97,29 @@ bool AudioManager::setUpOutput()
 
 bool AudioManager::openStream()
 {
-    const auto device = defaultOutputDevice();
+    const auto device = AudioOutput::defaultDevice();
     if (!device) {
         raise(NoDeviceError);
         return false;
     }
     m_mediaSource->outputChannels = std::min(m_mediaSource->channels, device->maxChannels);
-    return succeeded(m_stream.open(*device, *m_mediaSource), OpenStreamError);
+    return succeeded(m_output.open(*device, *m_mediaSource), OpenStreamError);
 }
 
 void AudioManager::beginWritingStream()
 {
-    if (!m_stream) {
+    if (!m_output.isOpen()) {
         raise(StartStreamError);
         return;
     }
-    if (succeeded(m_stream.start(), StartStreamError)) {
+    if (succeeded(m_output.start(), StartStreamError)) {
         setStatus(Streaming);
     }
 }
 
 void AudioManager::endWritingStream()
 {
-    if (m_stream) {
+    if (m_output.isOpen()) {
         closeStream();
         setStatus(StreamClosed);
     }
@@ -118,7 +127,7 @@ void AudioManager::endWritingStream()
 
 void AudioManager::closeStream()
 {
-    succeeded(m_stream.close(), CloseStreamError);
+    succeeded(m_output.close(), CloseStreamError);
 }
 
 void AudioManager::startDecoding()
@@ -139,10 +148,10 @@ void AudioManager::stopDecoding()
 
 void AudioManager::stop()
 {
-    if (m_stream) {
+    if (m_output.isOpen()) {
         closeStream(); // stops it too
     }
-    if (m_library.isInitialized() && m_library.terminate() != paNoError) {
+    if (m_output.isInitialized() && m_output.terminate() != paNoError) {
         if (m_mediaSource) {
             m_mediaSource->audioErrorCode = m_lastPaError;
         }
@@ -181,8 +190,10 @@ bool AudioManager::succeeded(int paResult, Error errorOtherwise)
     if (paResult == paNoError) {
         return true;
     }
-    Logger::displayWarning(
-        QStringLiteral("Sound output: %1").arg(QString::fromUtf8(Pa_GetErrorText(paResult))));
+    const QString reason = paResult == paTimedOut
+        ? QStringLiteral("the sound system does not answer; a film opened once it does has sound")
+        : QString::fromUtf8(Pa_GetErrorText(paResult));
+    Logger::displayWarning(QStringLiteral("Sound output: %1").arg(reason));
     if (m_mediaSource) {
         m_mediaSource->audioErrorCode = paResult;
     }

@@ -67,14 +67,14 @@ private:
     void stop();
     [[nodiscard]] bool setUpOutput();
     [[nodiscard]] bool openStream();
+    void playSilently();
     void closeStream();
     void setStatus(Status status);
     void raise(Error error);
     bool succeeded(int paResult, Error errorOtherwise);
 
     MediaSource* m_mediaSource = nullptr; // not owned
-    PaLibrary m_library;
-    PaStreamPtr m_stream; // closed before the library ends
+    AudioOutput m_output;
     std::unique_ptr<AudioDecoder> m_decoder;
     Error m_error = NoError; // set only while it is emitted
     Status m_status = Idle;

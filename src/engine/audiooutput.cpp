@@ -1,5 +1,6 @@
 #include "audiooutput.h"
 
+#include "limitedcalls.h"
 #include "logger.h"
 #include "mediasource.h"
 #include "scrubslice.h"
@@ -7,25 +8,24 @@
 #include <portaudio.h>
 
 #include <algorithm>
+#include <chrono>
+#include <mutex>
+#include <utility>
 
 namespace {
 
 constexpr double audibleSpeed = 1.0; // sound is played at this speed alone
 
-int streamCallback(const void*, void* output, unsigned long frameCount,
-    const PaStreamCallbackTimeInfo*, PaStreamCallbackFlags, void* source)
+// Closes all streams, too.
+void terminateLate(int)
 {
-    fillOutput(*static_cast<MediaSource*>(source), static_cast<int16_t*>(output),
-        static_cast<int>(frameCount));
-    return paContinue;
+    (void)Pa_Terminate();
 }
 
-// On a thread of the library's, also where the stream is closed in order.
-void streamFinished(void* source)
+LimitedCalls& soundCalls()
 {
-    if (!static_cast<MediaSource*>(source)->abortRequested) {
-        Logger::displayWarning(QStringLiteral("Sound output: the device has gone"));
-    }
+    static LimitedCalls calls(std::chrono::seconds(4));
+    return calls;
 }
 
 void readAtClock(MediaSource& source, int16_t* out, int frameCount)
@@ -87,28 +87,87 @@ void fillOutput(MediaSource& source, int16_t* out, int frameCount)
     playScrubSlice(source, out, frameCount, sliceFrames);
 }
 
-PaLibrary::~PaLibrary()
+/// What the callbacks of a stream see. A stream that was given up lives on without its source.
+struct AudioOutput::Stream {
+    explicit Stream(MediaSource& mediaSource)
+        : source(&mediaSource)
+    {
+    }
+
+    void detach()
+    {
+        const std::lock_guard lock(mutex);
+        source = nullptr;
+    }
+
+    static int callback(const void*, void* output, unsigned long frameCount,
+        const PaStreamCallbackTimeInfo*, PaStreamCallbackFlags, void* userData)
+    {
+        auto* const stream = static_cast<Stream*>(userData);
+        const std::lock_guard lock(stream->mutex);
+        if (!stream->source) {
+            return paAbort;
+        }
+        fillOutput(*stream->source, static_cast<int16_t*>(output), static_cast<int>(frameCount));
+        return paContinue;
+    }
+
+    // On a thread of the library's, also where the stream is closed in order.
+    static void finished(void* userData)
+    {
+        auto* const stream = static_cast<Stream*>(userData);
+        const std::lock_guard lock(stream->mutex);
+        if (stream->source && !stream->source->abortRequested) {
+            Logger::displayWarning(QStringLiteral("Sound output: the device has gone"));
+        }
+    }
+
+    PaStream* handle = nullptr;
+    std::mutex mutex; // of `source`, from the callback's first call on
+    MediaSource* source; // not owned; null once the stream was given up
+};
+
+AudioOutput::~AudioOutput()
 {
+    (void)close();
     (void)terminate();
 }
 
-int PaLibrary::initialize()
+int AudioOutput::call(std::function<int()> function, std::function<void(int)> afterwards)
 {
-    const int result = Pa_Initialize();
-    m_initialized = result == paNoError;
+    const auto result = soundCalls().run(std::move(function), std::move(afterwards));
+    if (result) {
+        return *result;
+    }
+    m_isInitialized = false;
+    if (m_stream) {
+        m_stream->detach();
+        m_stream.reset();
+    }
+    return paTimedOut;
+}
+
+int AudioOutput::initialize()
+{
+    const int result = call(Pa_Initialize, [](int lateResult) {
+        if (lateResult == paNoError) {
+            (void)Pa_Terminate();
+        }
+    });
+    m_isInitialized = result == paNoError;
     return result;
 }
 
-int PaLibrary::terminate()
+int AudioOutput::terminate()
 {
-    if (!m_initialized) {
+    if (!m_isInitialized) {
         return paNoError;
     }
-    m_initialized = false;
-    return Pa_Terminate();
+    m_isInitialized = false;
+    return call(Pa_Terminate, [](int) {});
 }
 
-std::optional<OutputDevice> defaultOutputDevice()
+std::optional<OutputDevice> AudioOutput::defaultDevice()
 {
     const PaDeviceIndex index = Pa_GetDefaultOutputDevice();
     const PaDeviceInfo* const info = index >= 0 ? Pa_GetDeviceInfo(index) : nullptr;
@@ -118,38 +177,39 @@ std::optional<OutputDevice> defaultOutputDevice()
     return OutputDevice{ index, info->maxOutputChannels, info->defaultLowOutputLatency };
 }
 
-PaStreamPtr::~PaStreamPtr()
+int AudioOutput::open(const OutputDevice& device, MediaSource& source)
 {
-    (void)close();
-}
-
-int PaStreamPtr::open(const OutputDevice& device, MediaSource& source)
-{
-    PaStreamParameters output{};
-    output.device = device.index;
-    output.channelCount = source.outputChannels;
-    output.sampleFormat = paInt16;
-    output.suggestedLatency = device.latency;
-    const int result = Pa_OpenStream(&m_stream, nullptr, &output, source.sampleRate,
-        paFramesPerBufferUnspecified, paNoFlag, streamCallback, &source);
-    if (result != paNoError) {
-        m_stream = nullptr;
-        return result;
+    PaStreamParameters parameters{};
+    parameters.device = device.index;
+    parameters.channelCount = source.outputChannels;
+    parameters.sampleFormat = paInt16;
+    parameters.suggestedLatency = device.latency;
+    const auto stream = std::make_shared<Stream>(source);
+    const auto openStream = [parameters, stream, rate = source.sampleRate] {
+        const int result = Pa_OpenStream(&stream->handle, nullptr, &parameters, rate,
+            paFramesPerBufferUnspecified, paNoFlag, Stream::callback, stream.get());
+        return result == paNoError ? Pa_SetStreamFinishedCallback(stream->handle, Stream::finished)
+                                   : result;
+    };
+    const int result = call(openStream, terminateLate);
+    if (result == paNoError) {
+        m_stream = stream;
     }
-    return Pa_SetStreamFinishedCallback(m_stream, streamFinished);
+    return result;
 }
 
-int PaStreamPtr::start()
+int AudioOutput::start()
 {
-    return Pa_StartStream(m_stream);
+    return call([stream = m_stream] { return Pa_StartStream(stream->handle); }, terminateLate);
 }
 
-int PaStreamPtr::close()
+int AudioOutput::close()
 {
     if (!m_stream) {
         return paNoError;
     }
-    void* const stream = m_stream;
-    m_stream = nullptr;
-    return Pa_CloseStream(stream);
+    const int result =
+        call([stream = m_stream] { return Pa_CloseStream(stream->handle); }, terminateLate);
+    m_stream.reset();
+    return result;
 }

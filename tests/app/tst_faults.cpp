@@ -15,9 +15,11 @@ class TestFaults : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    void cleanup() { m_sound.freeze(false); }
     void files_data();
     void files();
     void soundServer_goesAndComesBack();
+    void soundServer_doesNotAnswer();
     void fullDisk_losesNothing();
     void readOnlyHome();
     void portTaken_isTold();
@@ -53,6 +55,15 @@ private:
         const Scene good{ player.linked(clip("hevc.mp4"), name), 20, 40 };
         QCOMPARE(player.launchAgain({ name, "20", "40" }), 0);
         SHOWS(player, good, 20);
+    }
+
+    void playsSound(DrivenPlayer& player, int untilFrame)
+    {
+        m_sound.startRecording();
+        player.hold("space");
+        QTRY_VERIFY(player.frame() > untilFrame);
+        const auto heard = m_sound.stopRecording();
+        QVERIFY(std::any_of(heard.begin(), heard.end(), [](int sample) { return sample > 1000; }));
     }
 
     SoundServer m_sound;
@@ -118,12 +129,29 @@ void TestFaults::soundServer_goesAndComesBack()
     QVERIFY(log(player).contains("Sound output: the device has gone"));
     m_sound.start();
     opensAnother(player);
-    m_sound.startRecording();
-    player.hold("space");
-    QTRY_VERIFY(player.frame() > 35);
-    const auto heard = m_sound.stopRecording();
-    QVERIFY(std::any_of(heard.begin(), heard.end(), [](int sample) { return sample > 1000; }));
+    playsSound(player, 35);
     QVERIFY(player.console().isNull() && player.close());
+}
+
+void TestFaults::soundServer_doesNotAnswer()
+{
+    DrivenPlayer player;
+    prepare(player);
+    const Scene scene{ clip("longgop.mkv") };
+    m_sound.freeze(true);
+    QVERIFY(player.start({ scene.clip.path }));
+    SHOWS(player, scene, 1);
+    QVERIFY(player.consoleText().startsWith("ERROR: Failed to initial audio engine: "));
+    QVERIFY(log(player).contains("Sound output: the sound system does not answer"));
+    m_sound.freeze(false);
+    opensAnother(player);
+    QVERIFY(player.focus());
+    playsSound(player, 25);
+    m_sound.freeze(true);
+    QTRY_VERIFY(player.frame() > 37); // the clock is not the sound's alone
+    QCOMPARE(player.launchAgain({ scene.clip.path }), 0);
+    SHOWS(player, scene, 1);
+    QVERIFY(player.close());
 }
 
 void TestFaults::fullDisk_losesNothing()

@@ -62,6 +62,11 @@ void SoundServer::stop()
     QFile::remove(m_socket);
 }
 
+void SoundServer::freeze(bool frozen)
+{
+    kill(pid_t(m_server.processId()), frozen ? SIGSTOP : SIGCONT);
+}
+
 SoundServer::~SoundServer()
 {
     for (Child* child : { &m_recorder, &m_server }) {

@@ -19,6 +19,9 @@ public:
     /// Anew, at the same place.
     void start();
 
+    /// From now on it leaves every request unanswered, or answers again.
+    void freeze(bool frozen);
+
     /// Records from now on.
     void startRecording();
     /// What was heard since: the left channel.
