@@ -350,6 +350,9 @@ void DrivenPlayer::hold(const QString& key, int times)
         const QString symbol = modifies ? name + "_L" : name;
         codes.append(XKeysymToKeycode(display(), XStringToKeysym(qPrintable(symbol))));
     }
+    // A key that goes down in the very millisecond in which it went up counts as one held down.
+    XSync(display(), False);
+    QThread::msleep(2);
     QElapsedTimer timer;
     timer.start();
     for (int i = 0; i < times; ++i) {
