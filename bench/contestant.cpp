@@ -110,6 +110,18 @@ double Contestant::secondsTo(int frame) const
     return watch.wall();
 }
 
+int Contestant::awaitBefore(int frame, double limitSeconds) const
+{
+    const Stopwatch watch;
+    while (watch.wall() < limitSeconds) {
+        if (const int now = frameOnShow(); now > 0 && now < frame) {
+            return now;
+        }
+        QThread::usleep(lookPauseUs);
+    }
+    return -1;
+}
+
 int Contestant::awaitRest() const
 {
     int last = frameOnShow();

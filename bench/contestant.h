@@ -14,8 +14,9 @@
 class Contestant {
 public:
     static constexpr double never = -1.0;
-    /// Where the picture is on the display, in pixels; of 16 by 9.
-    static constexpr QRect onDisplay{ 19, 0, 921, 518 };
+    /// Where the picture is on the display, in pixels; of 16 by 9. To the pixel: at 2160p the
+    /// codes' cells are less than three pixels wide there.
+    static constexpr QRect onDisplay{ 20, 0, 920, 518 };
 
     virtual ~Contestant();
     Contestant(const Contestant&) = delete;
@@ -39,6 +40,9 @@ public:
     [[nodiscard]] int frameOnShow() const;
     /// Waits for that picture; seconds since `now`, or `never` where it does not come in time.
     [[nodiscard]] double secondsTo(int frame) const;
+    /// Waits for any picture of a lower number than that, for so many seconds; its number, -1 where
+    /// none comes.
+    [[nodiscard]] int awaitBefore(int frame, double limitSeconds) const;
     /// Waits until the same picture has been on show for a while.
     int awaitRest() const;
 

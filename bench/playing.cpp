@@ -1,5 +1,5 @@
-// Playing for ten seconds, and a step key held down where nothing is decoded yet: what is to be
-// seen on the display.
+// Playing for ten seconds, and a step key held down where nothing is decoded
+// yet: what is to be seen on the display.
 #include "films.h"
 #include "samples.h"
 
@@ -16,6 +16,8 @@ constexpr double restSeconds = 3.0;
 constexpr double msPerSecond = 1000.0;
 constexpr int heldSteps = 300;
 constexpr int heldFrom = 10000;
+constexpr double stepSeconds = 10.0; // after which a press is lost; mpv takes up to three
+constexpr int pressesForAStep = 3; // at most
 constexpr double keysPerSecond = 30.0;
 constexpr unsigned long lookPauseUs = 1000;
 
@@ -39,7 +41,9 @@ bool play(Make make, const Film& film, Played& result)
     double before = player->processorSeconds();
     const Stopwatch watch;
     while (watch.wall() < playedSeconds) {
-        seen.insert(player->frameOnShow());
+        if (const int now = player->frameOnShow(); now > 0) {
+            seen.insert(now);
+        }
         QThread::usleep(lookPauseUs);
     }
     result.playing = 100.0 * (player->processorSeconds() - before) / watch.wall();
@@ -71,40 +75,70 @@ void comparePlaying(benchmark::State& state, const Film& film)
     }
 }
 
-// Each step as soon as the picture before has come; seconds in all, or never.
-double stepBack(Make make, const Film& film)
+struct SteppedBack {
+    Samples ms; // from the press to its picture, of each press that was heeded
+    int lost = 0; // presses after which no other picture came
+    int skipped = 0; // pictures passed over
+};
+
+// Number of the picture that the key leads to from the one on show; -1 where the player stands
+// still. Where none comes the key is pressed again, and the time waited for it is nobody's.
+int stepBackFrom(Contestant& player, int shown, SteppedBack& result)
+{
+    for (int i = 0; i < pressesForAStep; ++i) {
+        const Stopwatch watch;
+        player.stepBackward();
+        if (const int now = player.awaitBefore(shown, stepSeconds); now > 0) {
+            result.ms.add(watch.wall() * msPerSecond);
+            result.skipped += shown - now - 1;
+            return now;
+        }
+        ++result.lost;
+    }
+    return -1;
+}
+
+// Each step as soon as the picture before has come; false where one does not.
+bool stepBack(Make make, const Film& film, SteppedBack& result)
 {
     const auto player = make();
+    const int first = film.code(heldFrom);
     if (!startOn(*player, film)) {
-        return Contestant::never;
+        return false;
     }
     player->jump(heldFrom, film.rate);
-    if (player->secondsTo(film.code(heldFrom)) < 0.0) {
-        return Contestant::never;
+    int shown = player->secondsTo(first) < 0.0 ? -1 : first;
+    while (shown > first - heldSteps) {
+        shown = stepBackFrom(*player, shown, result);
     }
-    const Stopwatch watch;
-    for (int i = 1; i <= heldSteps; ++i) {
-        player->stepBackward();
-        if (player->secondsTo(film.code(heldFrom - i)) < 0.0) {
-            return Contestant::never;
-        }
-    }
-    return watch.wall();
+    return shown > 0;
+}
+
+void report(benchmark::State& state, const std::string& player, const SteppedBack& steps)
+{
+    state.counters[player + ", s for 300 steps"] = steps.ms.sum() / msPerSecond;
+    state.counters[player + ", longest step, ms"] = steps.ms.percentile(1.0);
+    state.counters[player + ", presses lost"] = steps.lost;
+    state.counters[player + ", pictures skipped"] = steps.skipped;
 }
 
 void compareSteppingBack(benchmark::State& state, const Film& film)
 {
     for ([[maybe_unused]] auto iteration : state) {
-        const double own = stepBack(makeVantor, film);
-        const double other = stepBack(makeMpv, film);
-        if (own < 0.0 || other < 0.0) {
-            state.SkipWithError(own < 0.0 ? "a step does not show its picture" : "mpv lost a step");
+        SteppedBack own;
+        SteppedBack other;
+        if (!stepBack(makeVantor, film, own) || own.lost > 0 || own.skipped > 0) {
+            state.SkipWithError("a step does not show its picture");
             return;
         }
-        state.SetIterationTime(own);
-        state.counters["Ratio to mpv, held back"] = own / other;
-        state.counters["Vantor, s for 300 steps"] = own;
-        state.counters["mpv, s for 300 steps"] = other;
+        if (!stepBack(makeMpv, film, other)) {
+            state.SkipWithError("mpv stands still");
+            return;
+        }
+        state.SetIterationTime(own.ms.sum() / msPerSecond);
+        state.counters["Ratio to mpv, held back"] = own.ms.sum() / other.ms.sum();
+        report(state, "Vantor", own);
+        report(state, "mpv", other);
     }
 }
 

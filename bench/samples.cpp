@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 #include <sys/resource.h>
 
 namespace {
@@ -29,6 +30,11 @@ double Samples::percentile(double share) const
     std::sort(sorted.begin(), sorted.end());
     const auto rank = static_cast<size_t>(std::ceil(share * static_cast<double>(sorted.size())));
     return sorted[std::clamp<size_t>(rank, 1, sorted.size()) - 1];
+}
+
+double Samples::sum() const
+{
+    return std::accumulate(m_values.begin(), m_values.end(), 0.0);
 }
 
 void Samples::reportSpread(benchmark::State& state, const std::string& quantity) const

@@ -13,6 +13,7 @@ public:
     /// The value that `share` (0 to 1) of the samples do not exceed; 0.5 is the median. 0 without
     /// samples.
     [[nodiscard]] double percentile(double share) const;
+    [[nodiscard]] double sum() const;
     [[nodiscard]] double median() const { return percentile(0.5); }
 
     /// Reports the median and the 99th percentile.
