@@ -128,7 +128,7 @@ void MediaManager::seek()
 
 void MediaManager::runSeek(double target, double reach)
 {
-    m_mediaSrc->keptFrom.store(target - reach, std::memory_order_relaxed);
+    m_mediaSrc->kept.begin(target - reach, target);
     discardAndFlush(target, true);
     const double lead = std::min(reach, framesOfLead / m_mediaSrc->frameRate);
     const int result = m_reader->seek(target - lead);

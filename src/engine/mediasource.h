@@ -2,6 +2,7 @@
 
 #include "audioframebuffer.h"
 #include "avhandles.h"
+#include "keptspan.h"
 #include "packetqueue.h"
 #include "pictureshape.h"
 #include "playbackclock.h"
@@ -136,9 +137,7 @@ public:
     }; // demuxer sets: reading broke off, no end marker will come
     std::atomic<bool> decodesAll{ false }; // video thread sets: no picture may be skipped any more
     SeekLanding landing; // demuxer asks, video thread answers
-    // Seconds; demuxer sets, before the flush marker: pictures from there up to the landing's
-    // target are kept, however old they are.
-    std::atomic<double> keptFrom{ 0.0 };
+    KeptSpan kept; // pictures that are kept however far they lie behind the clock
     // Seconds, video thread: where the first picture since the last seek starts and the newest one
     // ends, kept or not. Both are set before the first picture can be in the cache.
     std::atomic<double> decodedFrom{ -nothingDecoded };

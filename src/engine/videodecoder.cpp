@@ -39,6 +39,7 @@ VideoDecoder::VideoDecoder(MediaSource* mediaSource, std::function<void()> waits
     , m_newestDropped(makeFrame())
     , m_newestTime(MediaSource::nothingDecoded)
     , m_newestSkippedTime(MediaSource::nothingDecoded)
+    , m_newestStoredTime(MediaSource::nothingDecoded)
     , m_timer(timing(*mediaSource))
     , m_converter(mediaSource->width, mediaSource->height)
 {
@@ -98,7 +99,6 @@ void VideoDecoder::skipWhatIsNotWanted(const AVPacket& packet)
     if (!isWanted(time)) {
         codec.skip_frame = AVDISCARD_NONREF;
         m_newestSkippedTime = std::max(m_newestSkippedTime, time);
-        m_gap = true;
     }
 }
 
@@ -124,12 +124,14 @@ void VideoDecoder::flush(const AVPacket& marker)
     m_source->decodedTo = MediaSource::nothingDecoded;
     m_source->decodedFrom = -MediaSource::nothingDecoded;
     m_source->stopDiscarding(m_source->videoFrames.discarding, marker.pts);
+    m_source->kept.flush();
     m_timer.flush();
     avcodec_flush_buffers(m_source->videoCodec.get());
     av_frame_unref(m_newestDropped.get());
     m_gap = false;
     m_newestTime = MediaSource::nothingDecoded;
     m_newestSkippedTime = MediaSource::nothingDecoded;
+    m_newestStoredTime = MediaSource::nothingDecoded;
     m_hasSkippedLast = false;
     m_landingSerial = marker.pts;
     m_judgesLanding = m_source->landing.isAsked(m_landingSerial);
@@ -178,11 +180,10 @@ void VideoDecoder::handlePicture()
     }
 }
 
-bool VideoDecoder::isWanted(double time) const
+bool VideoDecoder::isWanted(double time)
 {
-    const bool isRecent =
-        framesBehindKept / m_source->frameRate + time >= m_source->clockTime(false);
-    return isRecent || (time >= m_source->keptFrom && time <= m_source->landing.target());
+    const double recent = m_source->clockTime(false) - framesBehindKept / m_source->frameRate;
+    return m_source->kept.keeps(time, recent);
 }
 
 // The span in the cache must have no holes: what follows a dropped picture starts a new one.
@@ -220,6 +221,7 @@ void VideoDecoder::convertAndStore(const AVFrame& frame, double time)
     if (cache.discarding) {
         return;
     }
+    m_gap = m_gap || (m_newestSkippedTime > m_newestStoredTime && m_newestSkippedTime < time);
     if (m_gap) {
         awaitPlayHeadOutsideCache();
     } else {
@@ -235,6 +237,7 @@ void VideoDecoder::convertAndStore(const AVFrame& frame, double time)
         return;
     }
     picture->time = time;
+    m_newestStoredTime = time;
     if (m_gap) {
         cache.reset();
         m_gap = false;

@@ -38,7 +38,7 @@ private:
     void receivePictures();
     void handlePicture();
     [[nodiscard]] bool passesLanding(double time);
-    [[nodiscard]] bool isWanted(double time) const;
+    [[nodiscard]] bool isWanted(double time);
     void skipWhatIsNotWanted(const AVPacket& packet);
     void drop(double time);
     void storeNewestDropped();
@@ -52,10 +52,11 @@ private:
     const AvPtr<AVFrame> m_frame;
     const AvPtr<AVFrame> m_newestDropped; // since the last picture stored, else empty
     double m_newestDroppedTime = 0.0; // seconds
-    // Seconds, since the last flush: the newest picture that came out, and the newest one that may
-    // have been skipped.
+    // Seconds, since the last flush: the newest picture that came out, the newest one that may have
+    // been skipped, and the last one stored.
     double m_newestTime;
     double m_newestSkippedTime;
+    double m_newestStoredTime;
     bool m_gap = false; // a picture is missing behind the newest one stored
     FrameTimer m_timer;
     RgbConverter m_converter;

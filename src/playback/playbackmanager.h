@@ -194,6 +194,9 @@ private:
     void issueSeek(double time, Reach reach);
     void endSeek();
     void decodeSkippedLast();
+    [[nodiscard]] int framesKeptBehind() const;
+    [[nodiscard]] bool comes(double time, Reach reach);
+    void askForMoreBehind(double time);
     [[nodiscard]] bool isComing(double time) const;
     void advancePlayHead(bool pastEndHandled);
     bool isHeld();
@@ -224,7 +227,7 @@ private:
     double m_pendingSeekTime = -1.0; // seconds; asked for while a seek ran; negative: none
     Reach m_pendingReach = Reach::Target;
     bool m_pendingClearsCache = false;
-    // Seconds; the last seek keeps every picture from the one to the other.
+    // Seconds; the seek that ran last keeps every picture from the one to the other.
     static constexpr double nothingComing = MediaSource::nothingDecoded;
     double m_comingFrom = 0.0;
     double m_comingTo = nothingComing;

@@ -7,6 +7,10 @@
 
 namespace {
 constexpr double framesWaitedFor = 12.0; // beyond what is decoded; a seek decodes about as many
+constexpr double framesAtWork = 1.5; // the newest that is out may not be in the cache yet
+constexpr double shareInReserve = 0.25; // of what is kept behind
+constexpr double shareOfFrame =
+    0.99; // less than from one to the next, also where times are rounded
 }
 
 // Before, the decoders may not have begun; after, they have been told to let go.
@@ -49,12 +53,45 @@ void PlaybackManager::seek(bool clearCache, double time, double audioScrubDurati
         } else {
             requestAudioSlice();
         }
-    } else if (!decodeAnew && isComing(target)) {
+    } else if (!decodeAnew && comes(target, reach)) {
         m_sliceOwed = true;
         source.resetClock(target);
         updatePlaybackTime();
     } else {
         issueSeek(target, reach);
+    }
+}
+
+int PlaybackManager::framesKeptBehind() const
+{
+    return std::max(m_mediaSource->videoFrames.trailing() - 1, 0);
+}
+
+bool PlaybackManager::comes(double time, Reach reach)
+{
+    // In good time, but not at every step: all that is kept behind the target comes before it.
+    const double soonNeeded = framesKeptBehind() * shareInReserve * frameDuration();
+    if (reach == Reach::Backward && time < m_comingFrom + soonNeeded) {
+        askForMoreBehind(time);
+    }
+    return isComing(time);
+}
+
+// Stepping back faster than the decoder comes from its key picture: it keeps what lies behind the
+// new target instead of beginning anew.
+void PlaybackManager::askForMoreBehind(double time)
+{
+    MediaSource& source = *m_mediaSource;
+    const bool isAhead =
+        time <= m_comingTo && time >= source.decodedFrom && time >= source.decodedTo;
+    // Where pictures rest longer than one frame, the one on show may start far before.
+    if (isAhead && time >= source.cachedEndTime() && source.hasConstantRate) {
+        const double frame = frameDuration();
+        const double from =
+            source.kept.extend(time - framesKeptBehind() * frame, framesWaitedFor * frame) + frame;
+        if (from <= time) {
+            m_comingFrom = from;
+        }
     }
 }
 
@@ -69,17 +106,20 @@ bool PlaybackManager::isComing(double time) const
     }
     const double reached = source.decodedTo;
     if (time >= m_comingFrom && time <= m_comingTo) {
-        // It can begin at a key picture further on than what it was to keep.
-        return time >= source.decodedFrom && reached < m_comingTo;
+        // It can begin at a key picture further on than what it was to keep, and what has come out
+        // is in the cache, or was.
+        const double newest = reached - framesAtWork * frameDuration();
+        return time >= std::max<double>(source.decodedFrom, newest) && reached < m_comingTo;
     }
     const double furthest = std::max(reached, m_comingTo) + framesWaitedFor * frameDuration();
-    return time >= source.clock.time() && time >= reached && time <= furthest;
+    const double next = source.kept.passedTo() + shareOfFrame * frameDuration();
+    return time >= source.clock.time() && time >= std::max(reached, next) && time <= furthest;
 }
 
 void PlaybackManager::issueSeek(double time, Reach reach)
 {
-    const int framesKept = reach == Reach::Backward ? m_mediaSource->videoFrames.trailing() - 1 : 0;
-    const double seconds = std::max(framesKept, 0) * frameDuration();
+    const int framesKept = reach == Reach::Backward ? framesKeptBehind() : 0;
+    const double seconds = framesKept * frameDuration();
     m_lastSkipped = false;
     m_sliceOwed = false;
     // The first frame of the reach starts a hair before it.
@@ -109,7 +149,8 @@ void PlaybackManager::handleSeeked()
 void PlaybackManager::endSeek()
 {
     m_seekRunning = false;
-    if (m_pendingSeekTime >= 0.0 && (m_pendingClearsCache || !isComing(m_pendingSeekTime))) {
+    if (m_pendingSeekTime >= 0.0
+        && (m_pendingClearsCache || !comes(m_pendingSeekTime, m_pendingReach))) {
         issueSeek(m_pendingSeekTime, m_pendingReach);
         return;
     }

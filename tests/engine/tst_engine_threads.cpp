@@ -90,10 +90,16 @@ public:
         return source.videoFrames.isDecodedUpTo(seconds) ? number : 0;
     }
 
-    void seek(double seconds)
+    void seek(double seconds, double reach = 0.0)
     {
+        source.seekReach = reach;
         source.seekTime = seconds;
         source.seekRequested = true;
+    }
+
+    bool hasLanded() const
+    {
+        return !source.seekRequested && source.landing.verdict() != SeekLanding::Verdict::Pending;
     }
 
     MediaSource source;
@@ -144,20 +150,33 @@ private Q_SLOTS:
         std::minstd_rand random(3);
         for (const char* name : { "opengop.mp4", "mpeg4.avi", "rate23976.mkv", "longgop.mkv" }) {
             Engine engine(clip(name).path);
+            const auto timeOf = [name](
+                                    int frame) { return (frame - 1) / clip(name).rate + 0.0001; };
             // No seek before: the first picture says where the file starts.
             QTRY_COMPARE_WITH_TIMEOUT(engine.shownAt(0.0001), 1, limitMs);
             engine.source.clock.speed = 4.0;
             for (int i = 0; i < 20; ++i) {
                 const int frame = static_cast<int>(random()) % clip(name).frameCount + 1;
-                const double target = (frame - 1) / clip(name).rate + 0.0001;
-                engine.seek(target);
+                const double target = timeOf(frame);
+                const double step = 1.0 / clip(name).rate;
+                engine.seek(target, i % 3 * 5 * step);
                 int shown = 0;
                 const auto isThere = [&] { // or wrong already
                     shown = engine.source.seekRequested ? 0 : engine.shownAt(target);
                     return shown == frame || shown < 0;
                 };
+                // Somewhere on the way more is asked for.
+                for (int look = 0; look < limitMs && !engine.hasLanded(); ++look) {
+                    QThread::usleep(100);
+                }
+                QThread::usleep(random() % 3000);
+                engine.source.kept.extend(target - 40 * step, 12 * step);
                 QTRY_VERIFY_WITH_TIMEOUT(isThere(), limitMs);
                 QCOMPARE(shown, frame);
+                for (int behind = frame; behind > 0; --behind) { // and no hole
+                    const int found = engine.shownAt(timeOf(behind));
+                    QVERIFY(found == behind || timeOf(behind) < engine.source.cachedStartTime());
+                }
                 engine.source.playing = true;
                 for (int look = 0; look < 50; ++look) {
                     QVERIFY(engine.shownAt(engine.source.clockTime(true)) >= 0);

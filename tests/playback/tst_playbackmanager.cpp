@@ -3,6 +3,7 @@
 #include "playbackrig.h"
 
 #include <QImage>
+#include <QRandomGenerator>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -204,6 +205,26 @@ private Q_SLOTS:
         rig.goTo(395, true, Manager::Reach::Backward); // would keep all, but begins at frame 251
         rig.goTo(240, false, Manager::Reach::Backward);
         QCOMPARE(rig.settledOn(240), 240);
+    }
+
+    // Its pictures are so large that a few dozen fill the cache.
+    void steppingBackFasterThanDecoding_showsEveryFrameAskedFor()
+    {
+        PlaybackRig rig;
+        QRandomGenerator random(7);
+        QVERIFY(rig.open("large.mp4"));
+        QCOMPARE(rig.visit(230, true), 230);
+        for (int frame = 230; frame > 1;) {
+            const int step =
+                random.bounded(12) == 0 ? random.bounded(1, 20) : random.bounded(-3, 0);
+            frame = qBound(1, frame + step, 240);
+            rig.goTo(frame, false, step < 0 ? Manager::Reach::Backward : Manager::Reach::Target);
+            QTest::qWait(random.bounded(10));
+            if (random.bounded(20) == 0) {
+                QCOMPARE(rig.settledOn(frame), frame);
+            }
+        }
+        QCOMPARE(rig.settledOn(1), 1);
     }
 
     void steppingWhileASeekRuns_addsUp()
