@@ -39,7 +39,6 @@ VideoDecoder::VideoDecoder(MediaSource* mediaSource, std::function<void()> waits
     , m_newestDropped(makeFrame())
     , m_newestTime(MediaSource::nothingDecoded)
     , m_newestSkippedTime(MediaSource::nothingDecoded)
-    , m_newestStoredTime(MediaSource::nothingDecoded)
     , m_timer(timing(*mediaSource))
     , m_converter(mediaSource->width, mediaSource->height)
 {
@@ -99,6 +98,7 @@ void VideoDecoder::skipWhatIsNotWanted(const AVPacket& packet)
     if (!isWanted(time)) {
         codec.skip_frame = AVDISCARD_NONREF;
         m_newestSkippedTime = std::max(m_newestSkippedTime, time);
+        m_skippedTimes.insert(time);
     }
 }
 
@@ -131,7 +131,7 @@ void VideoDecoder::flush(const AVPacket& marker)
     m_gap = false;
     m_newestTime = MediaSource::nothingDecoded;
     m_newestSkippedTime = MediaSource::nothingDecoded;
-    m_newestStoredTime = MediaSource::nothingDecoded;
+    m_skippedTimes.clear();
     m_hasSkippedLast = false;
     m_landingSerial = marker.pts;
     m_judgesLanding = m_source->landing.isAsked(m_landingSerial);
@@ -221,7 +221,9 @@ void VideoDecoder::convertAndStore(const AVFrame& frame, double time)
     if (cache.discarding) {
         return;
     }
-    m_gap = m_gap || (m_newestSkippedTime > m_newestStoredTime && m_newestSkippedTime < time);
+    const auto later = m_skippedTimes.upper_bound(time);
+    m_gap = m_gap || later != m_skippedTimes.begin();
+    m_skippedTimes.erase(m_skippedTimes.begin(), later);
     if (m_gap) {
         awaitPlayHeadOutsideCache();
     } else {
@@ -237,7 +239,6 @@ void VideoDecoder::convertAndStore(const AVFrame& frame, double time)
         return;
     }
     picture->time = time;
-    m_newestStoredTime = time;
     if (m_gap) {
         cache.reset();
         m_gap = false;

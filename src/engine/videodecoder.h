@@ -5,6 +5,7 @@
 #include "rgbconverter.h"
 
 #include <functional>
+#include <set>
 
 class MediaSource;
 
@@ -53,10 +54,10 @@ private:
     const AvPtr<AVFrame> m_newestDropped; // since the last picture stored, else empty
     double m_newestDroppedTime = 0.0; // seconds
     // Seconds, since the last flush: the newest picture that came out, the newest one that may have
-    // been skipped, and the last one stored.
+    // been skipped, and all of those that lie behind the last one stored.
     double m_newestTime;
     double m_newestSkippedTime;
-    double m_newestStoredTime;
+    std::set<double> m_skippedTimes;
     bool m_gap = false; // a picture is missing behind the newest one stored
     FrameTimer m_timer;
     RgbConverter m_converter;

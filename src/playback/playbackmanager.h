@@ -194,6 +194,7 @@ private:
     void issueSeek(double time, Reach reach);
     void endSeek();
     void decodeSkippedLast();
+    [[nodiscard]] bool isCached(double time) const;
     [[nodiscard]] int framesKeptBehind() const;
     [[nodiscard]] bool comes(double time, Reach reach);
     void askForMoreBehind(double time);

@@ -42,7 +42,7 @@ void PlaybackManager::seek(bool clearCache, double time, double audioScrubDurati
         m_pendingSeekTime = target;
         m_pendingReach = reach;
         m_pendingClearsCache = clearCache;
-    } else if (!decodeAnew && source.picturesPaceSound() && source.videoFrames.contains(target)) {
+    } else if (!decodeAnew && isCached(target)) {
         source.resetClock(target);
         updatePlaybackTime();
         if (m_revision != revision) {
@@ -60,6 +60,11 @@ void PlaybackManager::seek(bool clearCache, double time, double audioScrubDurati
     } else {
         issueSeek(target, reach);
     }
+}
+
+bool PlaybackManager::isCached(double time) const
+{
+    return m_mediaSource->picturesPaceSound() && m_mediaSource->videoFrames.contains(time);
 }
 
 int PlaybackManager::framesKeptBehind() const
@@ -108,8 +113,9 @@ bool PlaybackManager::isComing(double time) const
     if (time >= m_comingFrom && time <= m_comingTo) {
         // It can begin at a key picture further on than what it was to keep, and what has come out
         // is in the cache, or was.
-        const double newest = reached - framesAtWork * frameDuration();
-        return time >= std::max<double>(source.decodedFrom, newest) && reached < m_comingTo;
+        const bool isOut = time < reached - framesAtWork * frameDuration();
+        const bool isGone = isOut && source.hasConstantRate && !isCached(time);
+        return time >= source.decodedFrom && reached < m_comingTo && !isGone;
     }
     const double furthest = std::max(reached, m_comingTo) + framesWaitedFor * frameDuration();
     const double next = source.kept.passedTo() + shareOfFrame * frameDuration();
