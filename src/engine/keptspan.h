@@ -4,7 +4,7 @@
 
 /// Which pictures behind the play head are kept: on its way to the target of a seek the decoder
 /// keeps those from some time on, and more can be asked for while they are still ahead of it.
-/// Whatever lies between from() and the target has not gone by unseen.
+/// Nothing between where the span begins and the target has gone by unkept.
 class KeptSpan {
 public:
     KeptSpan();

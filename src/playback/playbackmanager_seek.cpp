@@ -9,8 +9,7 @@ namespace {
 constexpr double framesWaitedFor = 12.0; // beyond what is decoded; a seek decodes about as many
 constexpr double framesAtWork = 1.5; // the newest that is out may not be in the cache yet
 constexpr double shareInReserve = 0.25; // of what is kept behind
-constexpr double shareOfFrame =
-    0.99; // less than from one to the next, also where times are rounded
+constexpr double shareOfFrame = 0.99; // less than one frame, also where times are rounded
 }
 
 // Before, the decoders may not have begun; after, they have been told to let go.
