@@ -2,6 +2,7 @@
 
 #include <condition_variable>
 #include <mutex>
+#include <system_error>
 #include <thread>
 #include <utility>
 
@@ -28,7 +29,8 @@ std::optional<int> LimitedCalls::run(std::function<int()> call, std::function<vo
     m_state->isRunning = true;
     m_state->isGivenUp = false;
     m_state->result.reset();
-    std::thread([state = m_state, call = std::move(call), afterwards = std::move(afterwards)] {
+    const auto work = [state = m_state, call = std::move(call),
+                          afterwards = std::move(afterwards)] {
         const int result = call();
         std::unique_lock stateLock(state->mutex);
         if (state->isGivenUp) {
@@ -39,7 +41,13 @@ std::optional<int> LimitedCalls::run(std::function<int()> call, std::function<vo
         state->result = result;
         state->isRunning = false;
         state->returned.notify_one();
-    }).detach();
+    };
+    try {
+        std::thread(work).detach();
+    } catch (const std::system_error&) { // the system has no thread to give
+        m_state->isRunning = false;
+        return std::nullopt;
+    }
     const bool isInTime =
         m_state->returned.wait_for(lock, m_limit, [this] { return !m_state->isRunning; });
     m_state->isGivenUp = !isInTime;

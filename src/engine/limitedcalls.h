@@ -12,9 +12,10 @@ class LimitedCalls {
 public:
     explicit LimitedCalls(std::chrono::milliseconds limit);
 
-    /// What `call` returns; none where it takes longer than the limit. It is then left to itself,
-    /// with all that it holds: `afterwards` follows it with its result once it has come back, and
-    /// until then every further call is refused at once, also with none.
+    /// What `call` returns; none where there is no thread to be had for it, or where it takes
+    /// longer than the limit. It is then left to itself, with all that it holds: `afterwards`
+    /// follows it with its result once it has come back, and until then every further call is
+    /// refused at once, also with none.
     std::optional<int> run(std::function<int()> call, std::function<void(int)> afterwards);
 
 private:
