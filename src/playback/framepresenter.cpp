@@ -70,9 +70,11 @@ FramePresenter::Result FramePresenter::show(
         return Result::Missing;
     }
     const int number = numberOf(*frame, source.rate());
-    if (number != m_lastDisplayedFrame || m_repaintPending) {
+    // Where the rate varies several pictures can have one number.
+    if (number != m_lastDisplayedFrame || frame->time != m_lastDisplayedTime || m_repaintPending) {
         paint(source, *frame);
         m_lastDisplayedFrame = number;
+        m_lastDisplayedTime = frame->time;
         m_repaintPending = false;
     }
     const bool mayChange = decoding && !movingFrom && !cache.isFinalAt(time);

@@ -51,6 +51,7 @@ private:
 
     SoftwareViewer* m_viewer = nullptr; // not owned
     int m_lastDisplayedFrame = -1; // number of the frame last given to the viewer
+    double m_lastDisplayedTime = 0.0; // and its time, seconds
     bool m_repaintPending = true; // paint the next picture whatever its number
     bool m_flipHorizontal = false;
     bool m_flipVertical = false;
