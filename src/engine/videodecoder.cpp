@@ -28,6 +28,13 @@ FrameTimer::Stream timing(const MediaSource& source)
         source.videoCodec->codec_id == AV_CODEC_ID_VP6F, source.hasConstantRate };
 }
 
+// In a file without an index a seek can go amid a group of pictures, and these decoders begin with
+// whatever comes.
+bool yieldsWhatLacksReferences(const AVCodecContext& codec)
+{
+    return codec.codec_id == AV_CODEC_ID_HEVC || codec.codec_id == AV_CODEC_ID_MPEG4;
+}
+
 } // namespace
 
 static_assert(FrameTimer::noTime == AV_NOPTS_VALUE);
@@ -73,6 +80,11 @@ int VideoDecoder::decodeNext()
 
 int VideoDecoder::decodePacket(const AVPacket& packet)
 {
+    m_awaitsKey = m_awaitsKey && (packet.flags & AV_PKT_FLAG_KEY) == 0
+        && m_source->landing.isAsked(m_landingSerial);
+    if (m_awaitsKey) {
+        return 0;
+    }
     skipWhatIsNotWanted(packet);
     const int result = avcodec_send_packet(m_source->videoCodec.get(), &packet);
     if (result == AVERROR_EOF) {
@@ -135,6 +147,7 @@ void VideoDecoder::flush(const AVPacket& marker)
     m_hasSkippedLast = false;
     m_landingSerial = marker.pts;
     m_judgesLanding = m_source->landing.isAsked(m_landingSerial);
+    m_awaitsKey = m_judgesLanding && yieldsWhatLacksReferences(*m_source->videoCodec);
     m_skipsToFlush = false;
 }
 

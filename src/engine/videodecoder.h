@@ -64,6 +64,7 @@ private:
     bool m_hasSkippedLast = false;
     bool m_initialized = false;
     bool m_judgesLanding = false; // the next picture answers where the seek went
+    bool m_awaitsKey = false; // packets up to the next key picture count for nothing
     bool m_skipsToFlush = false; // the seek landed late: nothing counts until the next one
     int64_t m_landingSerial = 0;
 };
