@@ -6,6 +6,7 @@
 #include <QThread>
 
 #include <algorithm>
+#include <iterator>
 #include <limits>
 
 extern "C" {
@@ -119,8 +120,9 @@ int VideoDecoder::drain()
     // An error is that of a picture still in the decoder, and good ones may lie behind it.
     static_cast<void>(avcodec_send_packet(m_source->videoCodec.get(), nullptr));
     receivePictures();
-    m_hasSkippedLast = m_newestSkippedTime > m_newestTime;
-    m_source->decodesAll = m_source->decodesAll || m_hasSkippedLast;
+    if (m_newestSkippedTime > m_newestTime) {
+        stopSkipping();
+    }
     storeNewestDropped();
     m_source->decodedTo = std::numeric_limits<double>::infinity();
     m_source->videoFrames.setEndTime(m_source->containerDuration);
@@ -144,7 +146,7 @@ void VideoDecoder::flush(const AVPacket& marker)
     m_newestTime = MediaSource::nothingDecoded;
     m_newestSkippedTime = MediaSource::nothingDecoded;
     m_skippedTimes.clear();
-    m_hasSkippedLast = false;
+    m_skippedNeeded = false;
     m_landingSerial = marker.pts;
     m_judgesLanding = m_source->landing.isAsked(m_landingSerial);
     m_awaitsKey = m_judgesLanding && yieldsWhatLacksReferences(*m_source->videoCodec);
@@ -187,6 +189,7 @@ void VideoDecoder::handlePicture()
     }
     m_source->decodedTo = time + 1.0 / m_source->frameRate; // before it can be dropped
     if (isWanted(time)) {
+        storeWhatRestsUntil(time);
         convertAndStore(*m_frame, time);
     } else {
         drop(time);
@@ -206,6 +209,32 @@ void VideoDecoder::drop(double time)
     m_newestDroppedTime = time;
     av_frame_unref(m_newestDropped.get());
     av_frame_move_ref(m_newestDropped.get(), m_frame.get());
+}
+
+// Where the rate varies a picture may rest for long: the one that was dropped before the first one
+// ahead of the play head is the one to show there.
+void VideoDecoder::storeWhatRestsUntil(double time)
+{
+    VideoFrameCache& cache = m_source->videoFrames;
+    const double clock = m_source->clockTime(false);
+    // A new seek says that it discards before it changes the two.
+    if (time <= clock || cache.contains(clock) || cache.discarding) {
+        return;
+    }
+    const auto skipped = m_skippedTimes.lower_bound(time);
+    if (skipped != m_skippedTimes.begin()
+        && (!m_newestDropped->buf[0] || *std::prev(skipped) > m_newestDroppedTime)) {
+        stopSkipping();
+    } else {
+        storeNewestDropped();
+    }
+}
+
+// A skipped picture is missed. For the rest of the file none is skipped any more: it keeps no rate.
+void VideoDecoder::stopSkipping()
+{
+    m_skippedNeeded = true;
+    m_source->decodesAll = true;
 }
 
 // Behind the last picture of all, that picture stays on show, however long ago it started.

@@ -6,6 +6,7 @@
 
 #include <functional>
 #include <set>
+#include <utility>
 
 class MediaSource;
 
@@ -25,9 +26,9 @@ public:
     /// endOfStream after the last picture.
     [[nodiscard]] int decodeNext();
 
-    /// True when the stream has ended on a picture that was skipped: it has to be decoded again,
-    /// now without skipping.
-    [[nodiscard]] bool hasSkippedLast() const { return m_hasSkippedLast; }
+    /// True, once, when the picture for the play head was skipped, as the next one comes late or
+    /// never: it has to be decoded again, now without skipping.
+    [[nodiscard]] bool takeSkippedNeeded() { return std::exchange(m_skippedNeeded, false); }
 
     /// False until the first picture has come out.
     [[nodiscard]] bool hasPicture() const { return m_timer.hasStart(); }
@@ -42,7 +43,9 @@ private:
     [[nodiscard]] bool isWanted(double time);
     void skipWhatIsNotWanted(const AVPacket& packet);
     void drop(double time);
+    void storeWhatRestsUntil(double time);
     void storeNewestDropped();
+    void stopSkipping();
     void convertAndStore(const AVFrame& frame, double time);
     void awaitRoom();
     void awaitPlayHeadOutsideCache();
@@ -61,7 +64,7 @@ private:
     bool m_gap = false; // a picture is missing behind the newest one stored
     FrameTimer m_timer;
     RgbConverter m_converter;
-    bool m_hasSkippedLast = false;
+    bool m_skippedNeeded = false;
     bool m_initialized = false;
     bool m_judgesLanding = false; // the next picture answers where the seek went
     bool m_awaitsKey = false; // packets up to the next key picture count for nothing

@@ -73,9 +73,6 @@ void VideoManager::startDecoding()
     while (!m_mediaSource->abortRequested) {
         if (m_decoder->decodeNext() == VideoDecoder::endOfStream) {
             setStatus(EndOfStream);
-            if (m_decoder->hasSkippedLast()) {
-                Q_EMIT lastPictureSkipped();
-            }
         }
         reportReach();
     }
@@ -85,6 +82,9 @@ void VideoManager::reportReach()
 {
     const bool reached = m_mediaSource->videoFrames.reaches(m_mediaSource->clockTime(false));
     setStatus(reached ? Ready : Buffering);
+    if (m_decoder->takeSkippedNeeded()) {
+        Q_EMIT neededPictureSkipped();
+    }
 }
 
 void VideoManager::stopDecoding()

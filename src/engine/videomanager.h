@@ -34,7 +34,7 @@ public:
 Q_SIGNALS:
     void error(VideoManager::Error err);
     void statusChanged(VideoManager::Status status);
-    void lastPictureSkipped(); // the file's end was met in a seek: it has to be run again
+    void neededPictureSkipped(); // on the way of a seek: it has to be run again
     void released(); // stopDecoding() has let go of the source
 
 public Q_SLOTS:

@@ -94,7 +94,7 @@ void PlaybackManager::createSource(const QString& filename)
     m_audioScrubDuration = 0.0;
     m_positionedAt = 0.0;
     m_comingTo = nothingComing;
-    m_lastSkipped = false;
+    m_neededSkipped = false;
     m_sliceOwed = false;
     m_unload = {};
     m_mediaSource = std::make_unique<MediaSource>(filename);
@@ -135,7 +135,7 @@ void PlaybackManager::pause()
     if (wasPlaying && m_revision == revision && m_status == Ready) {
         updatePlaybackTime(); // the clock may have crossed into the next frame since the last tick
     }
-    decodeSkippedLast();
+    decodeSkippedNeeded();
 }
 
 void PlaybackManager::haltPlayback()
@@ -233,7 +233,7 @@ void PlaybackManager::advancePlayHead(bool pastEndHandled)
         }
         m_mediaSource->resetClock(end - endGuardSeconds);
         advancePlayHead(true);
-        decodeSkippedLast();
+        decodeSkippedNeeded();
         return;
     }
     setStatus(Ready);

@@ -193,7 +193,7 @@ private:
     [[nodiscard]] bool canBePositioned() const;
     void issueSeek(double time, Reach reach);
     void endSeek();
-    void decodeSkippedLast();
+    void decodeSkippedNeeded();
     [[nodiscard]] bool isCached(double time) const;
     [[nodiscard]] int framesKeptBehind() const;
     [[nodiscard]] bool comes(double time, Reach reach);
@@ -233,7 +233,7 @@ private:
     double m_comingFrom = 0.0;
     double m_comingTo = nothingComing;
     QString m_pendingFilename; // opened once the current file is unloaded
-    bool m_lastSkipped = false; // the stream's last picture is to be decoded again
+    bool m_neededSkipped = false; // the picture at the play head is to be decoded again
     double m_audioScrubDuration = 0.0; // seconds
     bool m_sliceOwed = false; // the slice at the play head is heard once its picture is shown
     double m_positionedAt = 0.0; // seconds; newest target of a positioning

@@ -45,9 +45,9 @@ void PlaybackManager::wireVideo()
     connect(this, &PlaybackManager::unloadAudioVideo, video, &VideoManager::stopDecoding);
     connect(video, &VideoManager::error, this, &PlaybackManager::onVideoError);
     connect(video, &VideoManager::statusChanged, this, &PlaybackManager::onVideoStatusUpdate);
-    connect(video, &VideoManager::lastPictureSkipped, this, [this] {
-        m_lastSkipped = true;
-        decodeSkippedLast();
+    connect(video, &VideoManager::neededPictureSkipped, this, [this] {
+        m_neededSkipped = true;
+        decodeSkippedNeeded();
     });
     connect(video, &VideoManager::released, this, [this] {
         m_unload.videoReleased = true;

@@ -32,7 +32,7 @@ void PlaybackManager::seek(bool clearCache, double time, double audioScrubDurati
     }
     MediaSource& source = *m_mediaSource;
     const double target = time > 0.0 ? time : 0.0;
-    const bool decodeAnew = clearCache || m_lastSkipped;
+    const bool decodeAnew = clearCache || m_neededSkipped;
     m_audioScrubDuration = audioScrubDuration;
     m_positionedAt = target;
     source.scrubForward = target >= source.clockTime(true);
@@ -113,7 +113,11 @@ bool PlaybackManager::isComing(double time) const
         // It can begin at a key picture further on than what it was to keep, and what has come out
         // is in the cache, or was.
         const bool isOut = time < reached - framesAtWork * frameDuration();
-        const bool isGone = isOut && source.hasConstantRate && !isCached(time);
+        // At a rate that varies what lies behind the newest picture may rest until now.
+        const bool isLost = source.hasConstantRate
+            ? !isCached(time)
+            : source.videoFrames.frameCount() > 0 && time < source.cachedStartTime();
+        const bool isGone = isOut && isLost;
         return time >= source.decodedFrom && reached < m_comingTo && !isGone;
     }
     const double furthest = std::max(reached, m_comingTo) + framesWaitedFor * frameDuration();
@@ -125,7 +129,7 @@ void PlaybackManager::issueSeek(double time, Reach reach)
 {
     const int framesKept = reach == Reach::Backward ? framesKeptBehind() : 0;
     const double seconds = framesKept * frameDuration();
-    m_lastSkipped = false;
+    m_neededSkipped = false;
     m_sliceOwed = false;
     // The first frame of the reach starts a hair before it.
     m_comingFrom = time - std::max(framesKept - 1, 0) * frameDuration();
@@ -167,14 +171,18 @@ void PlaybackManager::endSeek()
     if (m_revision == revision && m_status == Ready) {
         handleReady(); // the picture may have come before the demuxer's answer
     }
-    decodeSkippedLast();
+    decodeSkippedNeeded();
 }
 
-// The stream has ended on a picture that was skipped on the way to another one, and an earlier one
-// stands in its place. While playing or seeking that has to wait; the next seek mends it, too.
-void PlaybackManager::decodeSkippedLast()
+// The picture to show was skipped on the way to another one, and that one or an earlier one stands
+// in its place. While playing or seeking that has to wait; the next seek mends it, too.
+void PlaybackManager::decodeSkippedNeeded()
 {
-    if (m_lastSkipped && m_mediaSource && m_status == Ready && m_state != Playing
+    if (m_neededSkipped && m_mediaSource && !m_mediaSource->videoFrames.isComplete()
+        && isCached(playbackTime())) {
+        m_neededSkipped = false; // the play head has moved on meanwhile
+    }
+    if (m_neededSkipped && m_mediaSource && m_status == Ready && m_state != Playing
         && !m_seekRunning) {
         issueSeek(playbackTime(), Reach::Target);
     }

@@ -1,7 +1,9 @@
 #include "clips.h"
 #include "playbackrig.h"
 
+#include <QProcess>
 #include <QRandomGenerator>
+#include <QTemporaryDir>
 #include <QtTest>
 
 /// The picture on show is the one asked for, read from the picture itself, in every kind of file.
@@ -34,6 +36,42 @@ private Q_SLOTS:
         }
         for (const int frame : qAsConst(targets)) {
             QCOMPARE(rig.visit(frame, true), frame);
+        }
+    }
+
+    // Ten pictures in four tenths of a second, of which the last rests for 0.84 s; then the next.
+    void aPictureRestsUntilTheNext_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::newRow("names the mean rate") << "resting.mp4";
+        QTest::newRow("claims a constant rate") << "resting.mkv";
+    }
+    void aPictureRestsUntilTheNext()
+    {
+        QFETCH(QString, name);
+        QTemporaryDir folder;
+        const QString path = folder.filePath(name);
+        const QString command = "-v error -i %1 -vf setpts=(N+20*floor(N/10))/25/TB "
+                                "-fps_mode passthrough -c:v libx264 -crf 20 -bf 3 -g 40 "
+                                "-x264-params b-adapt=0:scenecut=0 %2";
+        QCOMPARE(
+            QProcess::execute("ffmpeg", command.arg(clip("videoonly.mp4").path, path).split(' ')),
+            0);
+        PlaybackRig rig;
+        QVERIFY(rig.open(path));
+        const auto visit = [&rig](int tick, bool clearsCache, PlaybackManager::Reach reach) {
+            rig.manager.seek(clearsCache, (tick + 0.5) / 25.0, 0.0, reach);
+            const int shown = tick / 30 * 10 + std::min(tick % 30, 9) + 1;
+            QCOMPARE(rig.settledOn(shown), shown);
+        };
+        for (int tick = 0; tick < 275; tick += 2) {
+            visit(tick, false, PlaybackManager::Reach::Target);
+        }
+        for (int tick = 274; tick >= 0; tick -= 3) {
+            visit(tick, true, PlaybackManager::Reach::Backward);
+        }
+        for (int tick = 0; tick < 275; tick += 7) {
+            visit(tick, true, PlaybackManager::Reach::Target);
         }
     }
 };
