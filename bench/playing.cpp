@@ -25,6 +25,7 @@ using Make = std::unique_ptr<Contestant> (*)();
 
 struct Played {
     double shown = 0.0; // pictures, of those due
+    double longestRest = 0.0; // of a picture, ms
     double playing = 0.0; // processor, % of a core
     double paused = 0.0;
 };
@@ -40,9 +41,12 @@ bool play(Make make, const Film& film, Played& result)
     player->togglePlaying();
     double before = player->processorSeconds();
     const Stopwatch watch;
+    double changed = 0.0;
     while (watch.wall() < playedSeconds) {
-        if (const int now = player->frameOnShow(); now > 0) {
-            seen.insert(now);
+        if (const int now = player->frameOnShow(); now > 0 && seen.insert(now).second) {
+            result.longestRest =
+                std::max(result.longestRest, (watch.wall() - changed) * msPerSecond);
+            changed = watch.wall();
         }
         QThread::usleep(lookPauseUs);
     }
@@ -67,9 +71,11 @@ void comparePlaying(benchmark::State& state, const Film& film)
         }
         state.SetIterationTime(playedSeconds);
         state.counters["Pictures shown of those due"] = own.shown;
+        state.counters["longest rest of a picture, ms"] = own.longestRest;
         state.counters["processor while playing, %"] = own.playing;
         state.counters["processor while paused, % of a core"] = own.paused;
         state.counters["mpv: pictures shown of those due"] = other.shown;
+        state.counters["mpv: longest rest of a picture, ms"] = other.longestRest;
         state.counters["mpv: processor while playing, %"] = other.playing;
         state.counters["mpv: processor while paused, %"] = other.paused;
     }
