@@ -1,10 +1,10 @@
 #include "playbackmanager.h"
 
 #include "acceptedmedia.h"
+#include "backgroundrelease.h"
 #include "mediasource.h"
 
 #include <QFileInfo>
-#include <QThreadPool>
 
 #include <algorithm>
 #include <limits>
@@ -412,9 +412,8 @@ void PlaybackManager::resizeCache()
     MediaSource& source = *m_mediaSource;
     const int64_t frameBytes = bytesPerPixel * source.videoWidth() * source.videoHeight();
     source.videoFrames.setCacheSize(m_cacheSize, frameBytes, m_trailingCachePct);
-    QThreadPool::globalInstance()->start(
-        [pictures = std::make_shared<VideoFrameCache::FrameLists>(
-             source.videoFrames.takeRetired())] {}); // too many for the new size, perhaps
+    releaseInBackground(std::make_shared<VideoFrameCache::FrameLists>(
+        source.videoFrames.takeRetired())); // too many for the new size, perhaps
     m_comingTo = nothingComing;
     m_cacheResized = false;
 }

@@ -1,10 +1,9 @@
 // What the engine's answers lead to: the way of a file from Loading to Ready and through Unloading.
 // The play head and everything a person asks for stand in playbackmanager.cpp, but for positioning.
+#include "backgroundrelease.h"
 #include "mediasource.h"
 #include "playbackerrors.h"
 #include "playbackmanager.h"
-
-#include <QThreadPool>
 
 #include <algorithm>
 #include <memory>
@@ -182,13 +181,11 @@ void PlaybackManager::finishUnload()
     }
 }
 
-// To give back the pages of a full cache takes long enough to be felt: not in this thread, and not
-// while another file is being opened.
+// Not while another file is being opened, which it would slow down.
 void PlaybackManager::giveBackClosedSource()
 {
     if (m_closedSource) {
-        QThreadPool::globalInstance()->start(
-            [source = std::shared_ptr<MediaSource>(std::move(m_closedSource))] {});
+        releaseInBackground(std::move(m_closedSource));
     }
 }
 
