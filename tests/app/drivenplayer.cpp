@@ -145,6 +145,7 @@ int freePort()
 DrivenPlayer::DrivenPlayer(const QVariantMap& settings)
 {
     QSettings file(m_settingsPath, QSettings::IniFormat);
+    file.setValue("preferences/tcpPort", freePort()); // beside other tests
     file.setValue("main/showRangeTimeline", true);
     file.setValue("main/showMenuBar", false);
     file.setValue("preferences/resizeToFit", false);
