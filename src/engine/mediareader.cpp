@@ -2,6 +2,7 @@
 
 #include "framerate.h"
 #include "logger.h"
+#include "mediafile.h"
 #include "mediasource.h"
 #include "picturetag.h"
 
@@ -11,44 +12,21 @@ extern "C" {
 #include <libavcodec/avcodec.h>
 #include <libavformat/avformat.h>
 #include <libavutil/cpu.h>
-#include <libavutil/dict.h>
-#include <libavutil/imgutils.h>
 }
 
 #include <algorithm>
 #include <cmath>
 #include <cstring>
-#include <filesystem>
 #include <limits>
-#include <string>
 
 namespace {
 
 constexpr unsigned long fullQueuePauseMs = 1;
 constexpr int mostDecoderThreads = 16; // the library advises against more
-constexpr int bytesPerPixel = 3;
 // Keep the last frame's number within the stream: the end itself would count as one frame more.
 constexpr double endGuardSeconds = 0.0001;
 constexpr int64_t endGuardMicroseconds = 10;
 constexpr double longestSeconds = 1e9; // what damaged headers name beyond it is cut
-
-// What a file with an accepted extension can really be. Playlists are left out: what they name
-// could be a pipe, which would hold the thread.
-constexpr char containerFormats[] =
-    "aac,ac3,aiff,amr,asf,asf_o,avi,dv,eac3,flac,flv,gxf,h264,hevc,ivf,kux,live_flv,m4v,matroska,"
-    "mjpeg,mov,mp3,mpeg,"
-    "mpegts,mpegtsraw,mpegvideo,mxf,nsv,nut,ogg,rm,swf,vc1,w64,wav,webm,yuv4mpegpipe";
-
-int isAborted(void* source)
-{
-    return static_cast<MediaSource*>(source)->abortRequested.load(std::memory_order_relaxed) ? 1
-                                                                                             : 0;
-}
-
-bool isCover(const AVStream& stream)
-{
-    return (stream.disposition & AV_DISPOSITION_ATTACHED_PIC) != 0;
-}
 
 double ratio(AVRational value)
 {
@@ -127,14 +105,6 @@ QString errorText(int result)
     return QString::fromUtf8(text);
 }
 
-// A picture's bytes must fit an int, rows padded.
-bool isUsableSize(int width, int height)
-{
-    return width > 0 && height > 0 && av_image_check_size(width, height, 0, nullptr) >= 0
-        && (static_cast<int64_t>(width) * bytesPerPixel + bytesPerPixel) * height
-        <= std::numeric_limits<int>::max();
-}
-
 } // namespace
 
 MediaReader::MediaReader(MediaSource* mediaSource)
@@ -165,27 +135,13 @@ int MediaReader::open()
 
 int MediaReader::openInput()
 {
-    const std::string path = m_source->filename.toStdString();
-    std::error_code error;
-    if (!std::filesystem::is_regular_file(path, error)) {
-        return AVERROR(EINVAL); // a pipe or a device would hold the thread
-    }
-    AVFormatContext* context = avformat_alloc_context();
+    int error = 0;
+    m_source->formatContext = openMediaFile(m_source->filename, m_source->abortRequested, error);
+    AVFormatContext* context = m_source->formatContext.get();
     if (!context) {
-        return AVERROR(ENOMEM);
+        return error;
     }
-    context->interrupt_callback = { isAborted, m_source };
-    // The name is a file's even where it looks like an address, and a playlist inside it reaches no
-    // network.
-    AVDictionary* options = nullptr;
-    av_dict_set(&options, "protocol_whitelist", "file", 0);
-    av_dict_set(&options, "format_whitelist", containerFormats, 0);
-    int result = avformat_open_input(&context, ("file:" + path).c_str(), nullptr, &options);
-    av_dict_free(&options);
-    if (result < 0) {
-        return result; // the context is freed already
-    }
-    m_source->formatContext.reset(context);
+    m_source->openingPicture.start(m_source->filename, m_source->abortRequested);
     m_fileSize = avio_size(context->pb);
     return avformat_find_stream_info(context, nullptr);
 }
@@ -262,7 +218,7 @@ int MediaReader::openStream(int index)
 int MediaReader::openVideo(int index, AvPtr<AVCodecContext> codec)
 {
     AVStream* stream = m_source->formatContext->streams[index];
-    if (!isUsableSize(codec->width, codec->height)) {
+    if (!isUsablePictureSize(codec->width, codec->height)) {
         warnOfStream(*stream, "unusable picture size");
         return -1;
     }
@@ -354,6 +310,7 @@ void MediaReader::close()
     if (!m_source) {
         return;
     }
+    m_source->openingPicture.wait();
     m_source->audioCodec.reset();
     m_source->videoCodec.reset();
     m_source->audioStream = nullptr;

@@ -3,6 +3,7 @@
 #include "audioframebuffer.h"
 #include "avhandles.h"
 #include "keptspan.h"
+#include "openingpicture.h"
 #include "packetqueue.h"
 #include "pictureshape.h"
 #include "playbackclock.h"
@@ -142,6 +143,8 @@ public:
     // ends, kept or not. Both are set before the first picture can be in the cache.
     std::atomic<double> decodedFrom{ -nothingDecoded };
     std::atomic<double> decodedTo{ nothingDecoded };
+
+    OpeningPicture openingPicture; // shown until the decoder's own comes
 
     PlaybackClock clock;
     PacketQueue audioPackets;

@@ -81,6 +81,16 @@ FramePresenter::Result FramePresenter::show(
     return mayChange ? Result::Awaited : Result::Shown;
 }
 
+void FramePresenter::showOpening(MediaSource& source)
+{
+    const auto picture =
+        source.openingPicture.take(source.videoStreamIndex, source.width, source.height);
+    if (m_viewer && picture) {
+        paint(source, *picture);
+        m_repaintPending = true;
+    }
+}
+
 PictureTurn FramePresenter::turnFor(const MediaSource& source) const
 {
     return source.turn.flipped(m_flipHorizontal, m_flipVertical).turned(m_rotation / quarterTurn);

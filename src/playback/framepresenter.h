@@ -31,6 +31,9 @@ public:
     /// time `movingFrom`, in seconds, to which the play head was set.
     Result show(MediaSource& source, bool refresh, std::optional<double> movingFrom);
 
+    /// Shows the picture that the source begins with, where it has come ahead of the decoder's.
+    void showOpening(MediaSource& source);
+
     /// Shows nothing.
     void clear();
     /// The next picture is painted whatever its number.

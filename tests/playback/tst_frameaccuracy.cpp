@@ -24,7 +24,13 @@ private Q_SLOTS:
     {
         QFETCH(QString, name);
         PlaybackRig rig;
-        QVERIFY(rig.open(name));
+        QSet<int> shown; // while it loads
+        const auto isReady = [&] {
+            shown << rig.shown();
+            return rig.manager.status() == PlaybackManager::Ready;
+        };
+        QVERIFY(rig.request(name) && QTest::qWaitFor(isReady));
+        QVERIFY((shown - QSet<int>{ -1, 1 }).isEmpty());
         const int count = clip(name).frameCount;
         for (int frame = 1; frame <= count; ++frame) {
             QCOMPARE(rig.visit(frame), frame);
