@@ -135,13 +135,14 @@ int MediaReader::open()
 
 int MediaReader::openInput()
 {
+    // Ahead of the rest: of a long film the index alone takes a while to be read.
+    m_source->openingPicture.start(m_source->filename, m_source->abortRequested);
     int error = 0;
     m_source->formatContext = openMediaFile(m_source->filename, m_source->abortRequested, error);
     AVFormatContext* context = m_source->formatContext.get();
     if (!context) {
         return error;
     }
-    m_source->openingPicture.start(m_source->filename, m_source->abortRequested);
     m_fileSize = avio_size(context->pb);
     return avformat_find_stream_info(context, nullptr);
 }

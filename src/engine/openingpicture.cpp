@@ -63,8 +63,12 @@ AvPtr<AVPacket> packetShownFirst(AVFormatContext& file, const AVStream& stream)
         || (first->flags & AV_PKT_FLAG_KEY) == 0 || (first->flags & unusable) != 0) {
         return nullptr;
     }
-    for (int i = 0; i < mostReordered && av_read_frame(&file, later.get()) >= 0; ++i) {
-        if (later->pts == AV_NOPTS_VALUE || later->pts <= first->pts) {
+    for (int i = 0; i < mostReordered; ++i) {
+        const int result = av_read_frame(&file, later.get());
+        if (result == AVERROR_EOF) {
+            break;
+        }
+        if (result < 0 || later->pts == AV_NOPTS_VALUE || later->pts <= first->pts) {
             return nullptr;
         }
         av_packet_unref(later.get());
@@ -81,6 +85,7 @@ OpeningPicture::~OpeningPicture()
 
 void OpeningPicture::start(const QString& filename, std::atomic<bool>& isAborted)
 {
+    wait();
     try {
         m_thread = std::thread([this, filename, &isAborted] { work(filename, isAborted); });
     } catch (const std::system_error&) {

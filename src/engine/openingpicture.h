@@ -23,7 +23,7 @@ public:
     OpeningPicture(const OpeningPicture&) = delete;
     OpeningPicture& operator=(const OpeningPicture&) = delete;
 
-    /// Demuxer's thread, once: begins. Once `isAborted` is true it ends after the step at hand.
+    /// Demuxer's thread: begins. Once `isAborted` is true it ends after the step at hand.
     void start(const QString& filename, std::atomic<bool>& isAborted);
 
     /// Demuxer's thread: waits for the end of the work.
