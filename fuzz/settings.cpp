@@ -23,7 +23,7 @@ void checkRepaired(const Settings& values)
 void checkSame()
 {
     Settings saved = settings();
-    saveSettings();
+    check(saveSettings(), "the settings are saved");
     settings() = {};
     loadSettings();
     const std::vector<SettingRow> before = settingRows(saved);
