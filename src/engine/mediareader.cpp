@@ -311,7 +311,6 @@ void MediaReader::close()
     if (!m_source) {
         return;
     }
-    m_source->openingPicture.wait();
     m_source->audioCodec.reset();
     m_source->videoCodec.reset();
     m_source->audioStream = nullptr;

@@ -14,6 +14,7 @@ extern "C" {
 namespace {
 
 constexpr int mostReordered = 16; // packets of pictures that may be shown before an earlier one
+constexpr int mostPacketsRead = 400; // of all streams
 
 // The one that the reader takes, if its decoder opens.
 const AVStream* firstPictures(const AVFormatContext& file)
@@ -25,6 +26,17 @@ const AVStream* firstPictures(const AVFormatContext& file)
         }
     }
     return nullptr;
+}
+
+// A field alone is half of the picture that the decoder will show. Release 6.1 has given the mark
+// another place.
+bool isInterlaced(const AVFrame& frame)
+{
+#if LIBAVUTIL_VERSION_INT >= AV_VERSION_INT(58, 29, 100)
+    return (frame.flags & AV_FRAME_FLAG_INTERLACED) != 0;
+#else
+    return frame.interlaced_frame != 0;
+#endif
 }
 
 // Without the end mark it waits for more packets than one.
@@ -45,33 +57,48 @@ AvPtr<AVFrame> decodeAlone(const AVStream& stream, const AVPacket& packet)
         return nullptr;
     }
     constexpr int damaged = AV_FRAME_FLAG_CORRUPT | AV_FRAME_FLAG_DISCARD;
-    return (frame->flags & damaged) == 0 && frame->decode_error_flags == 0 ? std::move(frame)
-                                                                           : nullptr;
+    const bool isWhole =
+        (frame->flags & damaged) == 0 && frame->decode_error_flags == 0 && !isInterlaced(*frame);
+    return isWhole ? std::move(frame) : nullptr;
+}
+
+// The next packet of the stream; null at the end, which leaves AVERROR_EOF, and where `packetsLeft`
+// have been read. The other streams are not discarded: within one call the library would read past
+// any number of their packets.
+AvPtr<AVPacket> nextPacket(
+    AVFormatContext& file, const AVStream& stream, int& packetsLeft, int& error)
+{
+    AvPtr<AVPacket> packet = makePacket();
+    error = packet ? 0 : AVERROR(ENOMEM);
+    while (error >= 0 && packetsLeft-- > 0) {
+        error = av_read_frame(&file, packet.get());
+        if (error >= 0 && packet->stream_index == stream.index) {
+            return packet;
+        }
+        av_packet_unref(packet.get());
+    }
+    return nullptr;
 }
 
 // Null where it cannot be told, or where a packet after it has an earlier picture.
 AvPtr<AVPacket> packetShownFirst(AVFormatContext& file, const AVStream& stream)
 {
     constexpr int unusable = AV_PKT_FLAG_DISCARD | AV_PKT_FLAG_CORRUPT;
-    for (unsigned i = 0; i < file.nb_streams; ++i) {
-        file.streams[i]->discard = file.streams[i] == &stream ? AVDISCARD_DEFAULT : AVDISCARD_ALL;
-    }
-    AvPtr<AVPacket> first = makePacket();
-    AvPtr<AVPacket> later = makePacket();
-    if (!first || !later || av_read_frame(&file, first.get()) < 0
-        || first->stream_index != stream.index || first->pts == AV_NOPTS_VALUE
-        || (first->flags & AV_PKT_FLAG_KEY) == 0 || (first->flags & unusable) != 0) {
+    int packetsLeft = mostPacketsRead;
+    int error = 0;
+    AvPtr<AVPacket> first = nextPacket(file, stream, packetsLeft, error);
+    if (!first || first->pts == AV_NOPTS_VALUE || (first->flags & AV_PKT_FLAG_KEY) == 0
+        || (first->flags & unusable) != 0) {
         return nullptr;
     }
     for (int i = 0; i < mostReordered; ++i) {
-        const int result = av_read_frame(&file, later.get());
-        if (result == AVERROR_EOF) {
-            break;
+        const AvPtr<AVPacket> later = nextPacket(file, stream, packetsLeft, error);
+        if (!later) {
+            return error == AVERROR_EOF ? std::move(first) : nullptr;
         }
-        if (result < 0 || later->pts == AV_NOPTS_VALUE || later->pts <= first->pts) {
+        if (later->pts == AV_NOPTS_VALUE || later->pts <= first->pts) {
             return nullptr;
         }
-        av_packet_unref(later.get());
     }
     return first;
 }

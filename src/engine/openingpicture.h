@@ -15,7 +15,8 @@
 /// itself.
 ///
 /// There is none where the header alone does not describe the streams, where another picture may
-/// come before that of the first packet, and where anything fails.
+/// come before that of the first packet, where the packet may hold one field of it, and where
+/// anything fails.
 class OpeningPicture {
 public:
     OpeningPicture() = default;
@@ -26,7 +27,8 @@ public:
     /// Demuxer's thread: begins. Once `isAborted` is true it ends after the step at hand.
     void start(const QString& filename, std::atomic<bool>& isAborted);
 
-    /// Demuxer's thread: waits for the end of the work.
+    /// Waits for the end of the work, as its destruction does: for the decoding of one picture,
+    /// perhaps.
     void wait();
 
     /// Any thread. The picture, where it has come by now, the first time it is asked for; null

@@ -288,7 +288,6 @@ void PlaybackManager::showFirstPicture()
     constexpr double anyPicture = -std::numeric_limits<double>::infinity();
     if (m_presenter.show(*m_mediaSource, false, anyPicture) == FramePresenter::Result::Shown) {
         m_pictureTimer.stop();
-        m_mediaSource->openingPicture.giveUp();
         giveBackClosedSource();
     } else {
         m_presenter.showOpening(*m_mediaSource);

@@ -116,6 +116,7 @@ void PlaybackManager::handleLoading()
 void PlaybackManager::completeLoad()
 {
     const unsigned revision = m_revision;
+    m_mediaSource->openingPicture.giveUp();
     setStatus(Loaded);
     if (m_revision != revision || m_status != Loaded) {
         return;

@@ -50,7 +50,10 @@ private Q_SLOTS:
         QTest::addColumn<QString>("command");
         QTest::newRow("begins amid an open group") << "-ss 2.5 -i %1opengop.mkv -c copy %2.mkv";
         QTest::newRow("hides its first pictures") << "-ss 1 -i %1longgop.mp4 -c copy %2.mp4";
-        QTest::newRow("has no pictures but a cover") << "-i %1soundonly.mp4 -c copy %2.mp4";
+        QTest::newRow("has one picture in a minute of sound")
+            << "-i %1longgop.mp4 -stream_loop 9 -i %1soundonly.mp4 -map 0:v -map 1:a -c copy "
+               "-bsf:v noise=drop=gt(n\\,0) %2.mkv";
+        QTest::newRow("has no pictures") << "-i %1soundonly.mp4 -c copy %2.mp4";
     }
     void noneWhereAnotherComesFirst()
     {
