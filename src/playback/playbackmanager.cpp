@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <limits>
 #include <memory>
+#include <utility>
 
 namespace {
 
@@ -414,8 +415,10 @@ void PlaybackManager::resizeCache()
     MediaSource& source = *m_mediaSource;
     const int64_t frameBytes = bytesPerPixel * source.videoWidth() * source.videoHeight();
     source.videoFrames.setCacheSize(m_cacheSize, frameBytes, m_trailingCachePct);
-    releaseInBackground(std::make_shared<VideoFrameCache::FrameLists>(
-        source.videoFrames.takeRetired())); // too many for the new size, perhaps
+    // Too many for the new size, perhaps. There are none while a file is being opened.
+    if (auto retired = source.videoFrames.takeRetired(); !retired.empty()) {
+        releaseInBackground(std::make_shared<VideoFrameCache::FrameLists>(std::move(retired)));
+    }
     m_comingTo = nothingComing;
     m_cacheResized = false;
 }
