@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <limits>
-#include <new>
 #include <utility>
 
 namespace {
@@ -18,15 +17,14 @@ constexpr int64_t smallestBudgetBytes = 253440000; // 99 % of it
 constexpr double usedShareOfCache = 0.99;
 constexpr int leastFramesAhead = 2;
 constexpr int retiredFramesPerPut = 2;
-constexpr size_t spareFrames = 2; // a picture converted for each one put
 constexpr int freeSlotWaitMs = 1;
 constexpr unsigned long refusedPauseMicroseconds = 1;
 
 } // namespace
 
-DecodedVideoFrame::DecodedVideoFrame(int bytes, int widthPixels, int heightPixels)
-    // Not make_unique: that would clear what is overwritten at once.
-    : data(new (std::nothrow) uint8_t[static_cast<size_t>(bytes)])
+DecodedVideoFrame::DecodedVideoFrame(
+    std::shared_ptr<uint8_t[]> memory, int bytes, int widthPixels, int heightPixels)
+    : data(std::move(memory))
     , size(bytes)
     , width(widthPixels)
     , height(heightPixels)
@@ -61,20 +59,9 @@ void VideoFrameCache::setCacheSize(int64_t cacheBytes, int64_t frameBytes, float
 
 std::unique_ptr<DecodedVideoFrame> VideoFrameCache::obtain(int size, int width, int height)
 {
-    {
-        const ScopedLock lock(m_mutex);
-        while (!m_spare.empty()) {
-            FramePtr frame = std::move(m_spare.back());
-            m_spare.pop_back();
-            if (frame->size == size) {
-                frame->width = width;
-                frame->height = height;
-                return frame;
-            }
-        }
-    }
-    auto frame = std::make_unique<DecodedVideoFrame>(size, width, height);
-    return frame->data ? std::move(frame) : nullptr;
+    auto memory = m_memory.obtain(size);
+    return memory ? std::make_unique<DecodedVideoFrame>(std::move(memory), size, width, height)
+                  : nullptr;
 }
 
 bool VideoFrameCache::hasRoom(double clock)
@@ -103,7 +90,7 @@ bool VideoFrameCache::put(std::unique_ptr<DecodedVideoFrame>& frame, double fram
 {
     const ScopedLock lock(m_mutex);
     if (discarding.load(std::memory_order_acquire)) {
-        keepSpare(std::move(frame));
+        frame.reset();
         return true;
     }
     reclaimRetired();
@@ -145,7 +132,6 @@ void VideoFrameCache::evictFirst()
 {
     m_usedSlots.acquire(1);
     m_byteCount -= m_frames.front()->size;
-    keepSpare(std::move(m_frames.front()));
     m_frames.pop_front();
     m_freeSlots.release(1);
     --m_currentIndex; // it still names the same frame
@@ -156,20 +142,12 @@ void VideoFrameCache::reclaimRetired()
     for (int i = 0; i < retiredFramesPerPut && !m_retired.empty(); ++i) {
         std::deque<FramePtr>& oldest = m_retired.front();
         if (!oldest.empty()) {
-            keepSpare(std::move(oldest.front()));
             oldest.pop_front();
         }
         if (oldest.empty()) {
             m_retired.pop_front();
             return;
         }
-    }
-}
-
-void VideoFrameCache::keepSpare(FramePtr frame)
-{
-    if (m_spare.size() < spareFrames) {
-        m_spare.push_back(std::move(frame));
     }
 }
 
@@ -244,7 +222,7 @@ void VideoFrameCache::clear()
     reset();
     const ScopedLock lock(m_mutex);
     m_retired.clear();
-    m_spare.clear();
+    m_memory.clear();
 }
 
 bool VideoFrameCache::contains(double seconds)

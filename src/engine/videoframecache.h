@@ -1,5 +1,7 @@
 #pragma once
 
+#include "picturememory.h"
+
 #include <QMutex>
 #include <QSemaphore>
 
@@ -7,15 +9,16 @@
 #include <cstdint>
 #include <deque>
 #include <memory>
-#include <vector>
 
 /// One converted picture: packed RGB24, rows padded to 4 bytes.
 struct DecodedVideoFrame {
-    /// Memory for `size` bytes, not cleared: whoever makes a picture writes every byte that is
+    /// `memory` has `size` bytes, not cleared: whoever makes a picture writes every byte that is
     /// shown.
-    DecodedVideoFrame(int size, int width, int height);
+    DecodedVideoFrame(std::shared_ptr<uint8_t[]> memory, int size, int width, int height);
 
-    std::unique_ptr<uint8_t[]> data;
+    /// Never written again once the picture is in the cache, so that the window can show it in
+    /// place.
+    std::shared_ptr<uint8_t[]> data;
     int size; // bytes, row padding included
     int width; // pixels
     int height; // pixels
@@ -34,8 +37,8 @@ public:
     /// kept behind the play head.
     void setCacheSize(int64_t cacheBytes, int64_t frameBytes, float trailingShare);
 
-    /// Video thread. Memory for a picture, recycled from one no longer shown where the size fits;
-    /// null when out of memory.
+    /// Video thread. Memory for a picture, recycled where the size fits from one that neither the
+    /// cache nor the window has any more; null when out of memory.
     [[nodiscard]] std::unique_ptr<DecodedVideoFrame> obtain(int size, int width, int height);
 
     /// Video thread. True when the next put would be taken: a short look, no wait. Before anything
@@ -80,8 +83,8 @@ public:
     using FrameLists = std::deque<std::deque<std::unique_ptr<DecodedVideoFrame>>>;
     [[nodiscard]] FrameLists takeRetired();
 
-    /// Empties the cache and gives all its memory back at once. No other thread may be using a
-    /// picture.
+    /// Empties the cache and gives all its memory back at once, but for that of pictures that
+    /// others own, too.
     void clear();
 
     /// Any thread. True when `seconds` lies inside the cached span; an empty cache contains no
@@ -110,12 +113,11 @@ private:
     std::deque<FramePtr>::iterator firstAfter(double seconds);
     void evictFirst();
     void reclaimRetired();
-    void keepSpare(FramePtr frame);
 
+    PictureMemory m_memory;
     QMutex m_mutex; // guards everything below
     std::deque<FramePtr> m_frames; // in decoding order, ascending time
     FrameLists m_retired; // whole lists set aside by reset
-    std::vector<FramePtr> m_spare; // a few pictures whose memory can be used again
     QSemaphore m_freeSlots; // changes only under the lock
     QSemaphore m_usedSlots; // changes only under the lock
     int m_currentIndex = -1; // of the frame last shown; below 0: none since the last reset

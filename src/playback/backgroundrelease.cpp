@@ -5,6 +5,11 @@
 #include <malloc.h>
 #include <utility>
 
+void returnFreeMemory()
+{
+    releaseInBackground(nullptr);
+}
+
 void releaseInBackground(std::shared_ptr<void> object)
 {
     QThreadPool::globalInstance()->start([object = std::move(object)]() mutable {

@@ -1,5 +1,6 @@
 #include "framepresenter.h"
 
+#include "backgroundrelease.h"
 #include "mediasource.h"
 #include "scopedlock.h"
 #include "softwareviewer.h"
@@ -10,11 +11,14 @@
 
 #include <algorithm>
 #include <limits>
+#include <memory>
+#include <utility>
 
 namespace {
 // A frame that starts a hair before its exact time still counts as itself.
 constexpr double numberGuardSeconds = 0.001;
 constexpr int fullTurn = 360;
+constexpr int restMs = 1000;
 constexpr int quarterTurn = 90;
 
 int numberOf(const DecodedVideoFrame& frame, double frameRate)
@@ -23,6 +27,17 @@ int numberOf(const DecodedVideoFrame& frame, double frameRate)
     constexpr double limit = std::numeric_limits<int>::max();
     return static_cast<int>(
         std::clamp((frame.time + numberGuardSeconds) * frameRate, -limit, limit));
+}
+
+// In place: the picture's memory lasts as long as the image, whatever becomes of the picture.
+QImage imageOf(const DecodedVideoFrame& frame)
+{
+    using Memory = std::shared_ptr<uint8_t[]>;
+    auto owner = std::make_unique<Memory>(frame.data);
+    const uint8_t* const bytes = owner->get();
+    return QImage(
+        bytes, frame.width, frame.height, QImage::Format_RGB888,
+        [](void* memory) { delete static_cast<Memory*>(memory); }, owner.release());
 }
 
 QImage applied(const PictureTurn& turn, const QImage& image)
@@ -37,6 +52,20 @@ QImage applied(const PictureTurn& turn, const QImage& image)
 }
 
 } // namespace
+
+FramePresenter::FramePresenter()
+{
+    m_restTimer.setSingleShot(true);
+    m_restTimer.setInterval(restMs);
+    // A picture is scaled by way of a copy as large as itself. While they follow each other it is
+    // good to have the memory at hand.
+    QObject::connect(&m_restTimer, &QTimer::timeout, &m_restTimer, [this] {
+        if (m_viewer) {
+            m_viewer->dropScaled();
+        }
+        returnFreeMemory();
+    });
+}
 
 void FramePresenter::setFlip(bool horizontal, bool vertical)
 {
@@ -57,7 +86,7 @@ FramePresenter::Result FramePresenter::show(
     }
     m_repaintPending = m_repaintPending || refresh;
     VideoFrameCache& cache = source.videoFrames;
-    // Held over the conversion on purpose: the picture is read in place.
+    // Held over the painting on purpose: the picture could be evicted meanwhile.
     const ScopedLock lock(cache.mutex());
     const double time = source.clockTime(true);
     const DecodedVideoFrame* frame = cache.frameAt(time);
@@ -104,17 +133,19 @@ QSize FramePresenter::shownSize(const MediaSource& source, const QSize& stored) 
 
 void FramePresenter::paint(const MediaSource& source, const DecodedVideoFrame& frame)
 {
-    const QImage stored(frame.data.get(), frame.width, frame.height, QImage::Format_RGB888);
-    QImage image = applied(turnFor(source), stored);
-    QSize shape = shownSize(source, stored.size());
+    QImage image = applied(turnFor(source), imageOf(frame));
+    QSize shape = shownSize(source, { frame.width, frame.height });
     if (const int slant = m_rotation % quarterTurn; slant != 0) {
         // On its way to a slant a picture gets square pixels.
         image = image.scaled(shape).transformed(QTransform().rotate(slant), Qt::FastTransformation);
         shape = image.size();
     }
-    m_viewer->setPixmap(QPixmap::fromImage(image));
+    // In the format it has, which takes no copy. The viewer needs another one, but only in the size
+    // in which it paints.
+    m_viewer->setPixmap(QPixmap::fromImage(std::move(image), Qt::NoFormatConversion));
     m_viewer->setShape(shape);
     m_viewer->update();
+    m_restTimer.start();
 }
 
 void FramePresenter::clear()

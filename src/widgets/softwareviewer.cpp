@@ -16,11 +16,16 @@ void SoftwareViewer::setPixmap(QPixmap pixmap)
 {
     m_pixmap = std::move(pixmap);
     if (m_pixmap.isNull()) {
-        m_scaled = QPixmap();
+        dropScaled();
         m_imageSize = { 0, 0 };
-        m_scaledKey = 0;
     }
     update();
+}
+
+void SoftwareViewer::dropScaled()
+{
+    m_scaled = QPixmap();
+    m_scaledKey = 0;
 }
 
 void SoftwareViewer::setShape(const QSize& shape)

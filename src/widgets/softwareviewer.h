@@ -25,6 +25,10 @@ public:
     /// Proportions to show the pictures in, from now on; empty for those of their pixels.
     void setShape(const QSize& shape);
 
+    /// Gives up what is kept for painting the picture once more: worth it where none comes soon, as
+    /// the window's own memory has it.
+    void dropScaled();
+
 public Q_SLOTS:
     void setPixmap(QPixmap pixmap);
 

@@ -11,7 +11,7 @@ constexpr int64_t smallestBudget = 253440000; // bytes
 // Picture i starts at i seconds, lasts one and is filled with i.
 bool put(VideoFrameCache& cache, int index)
 {
-    auto picture = std::make_unique<DecodedVideoFrame>(pictureBytes, 4, 4);
+    auto picture = cache.obtain(pictureBytes, 4, 4);
     std::fill_n(picture->data.get(), pictureBytes, static_cast<uint8_t>(index));
     picture->time = index;
     return cache.put(picture, 1.0) && !picture;
@@ -102,6 +102,34 @@ private Q_SLOTS:
             QCOMPARE(shownAt(cache, 3.0), -1);
             QCOMPARE(held->data[pictureBytes - 1], uint8_t{ 3 });
         }
+    }
+
+    void whatTheWindowShowsIsNotWrittenOver()
+    {
+        VideoFrameCache cache;
+        cache.setCacheSize(0, smallestBudget / 4, 0.25F);
+        QCOMPARE(fill(cache), 4);
+        std::shared_ptr<uint8_t[]> shown;
+        {
+            const ScopedLock lock(cache.mutex());
+            shown = cache.frameAt(3.0)->data;
+        }
+        const uint8_t* const itsMemory = shown.get();
+        const auto isUsedByTheNext = [&](int pictures) {
+            bool isUsed = false;
+            const int first = static_cast<int>(cache.endTime());
+            for (int next = first; next < first + pictures && shownAt(cache, next) >= 0; ++next) {
+                static_cast<void>(put(cache, next));
+                const ScopedLock lock(cache.mutex());
+                isUsed = isUsed || cache.frameAt(next)->data.get() == itsMemory;
+            }
+            return isUsed;
+        };
+        QVERIFY(!isUsedByTheNext(20));
+        QCOMPARE(cache.endTime(), 24.0);
+        QCOMPARE(shown[pictureBytes - 1], uint8_t{ 3 });
+        shown.reset();
+        QVERIFY(isUsedByTheNext(3));
     }
 
     void theEndIsNeverBeforeTheNewestPicture()
