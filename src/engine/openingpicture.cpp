@@ -143,8 +143,7 @@ void OpeningPicture::work(const QString& filename, std::atomic<bool>& isAborted)
     }
     RgbConverter converter(frame->width, frame->height);
     auto picture =
-        std::make_unique<DecodedVideoFrame>(PictureMemory().obtain(converter.pictureBytes()),
-            converter.pictureBytes(), frame->width, frame->height);
+        std::make_unique<DecodedVideoFrame>(converter.pictureBytes(), frame->width, frame->height);
     if (!picture->data || converter.open(frame->format) < 0
         || converter.convert(*frame, *picture) < 0) {
         return;

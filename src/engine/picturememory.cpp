@@ -17,6 +17,8 @@ struct Block {
 } // namespace
 
 struct PictureMemory::Spares {
+    Spares() { blocks.reserve(mostSpares); } // to let go of memory must not need any
+
     void keep(Block block)
     {
         const std::lock_guard lock(mutex);

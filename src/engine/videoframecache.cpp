@@ -31,6 +31,11 @@ DecodedVideoFrame::DecodedVideoFrame(
 {
 }
 
+DecodedVideoFrame::DecodedVideoFrame(int bytes, int widthPixels, int heightPixels)
+    : DecodedVideoFrame(PictureMemory().obtain(bytes), bytes, widthPixels, heightPixels)
+{
+}
+
 VideoFrameCache::VideoFrameCache()
     : m_freeSlots(initialCapacity)
     , m_capacity(initialCapacity)

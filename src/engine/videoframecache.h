@@ -16,6 +16,9 @@ struct DecodedVideoFrame {
     /// shown.
     DecodedVideoFrame(std::shared_ptr<uint8_t[]> memory, int size, int width, int height);
 
+    /// With memory of its own; null when out of memory.
+    DecodedVideoFrame(int size, int width, int height);
+
     /// Never written again once the picture is in the cache, so that the window can show it in
     /// place.
     std::shared_ptr<uint8_t[]> data;
@@ -26,8 +29,8 @@ struct DecodedVideoFrame {
 };
 
 /// The converted pictures around the play head: filled by the video decoder, read by whoever shows
-/// them. It locks itself, but for frameAt() and holds(), whose caller holds mutex() for as long as
-/// it looks at a picture.
+/// them. It locks itself, but for what says that its caller holds mutex(), which then does so for
+/// as long as it looks at the frame; the picture's bytes last for as long as they are shared.
 class VideoFrameCache {
 public:
     VideoFrameCache();
@@ -86,6 +89,9 @@ public:
     /// Empties the cache and gives all its memory back at once, but for that of pictures that
     /// others own, too.
     void clear();
+
+    /// Any thread. Gives back the memory that is kept for pictures to come.
+    void dropSpareMemory() { m_memory.clear(); }
 
     /// Any thread. True when `seconds` lies inside the cached span; an empty cache contains no
     /// time.

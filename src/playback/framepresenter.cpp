@@ -1,6 +1,5 @@
 #include "framepresenter.h"
 
-#include "backgroundrelease.h"
 #include "mediasource.h"
 #include "scopedlock.h"
 #include "softwareviewer.h"
@@ -18,7 +17,6 @@ namespace {
 // A frame that starts a hair before its exact time still counts as itself.
 constexpr double numberGuardSeconds = 0.001;
 constexpr int fullTurn = 360;
-constexpr int restMs = 1000;
 constexpr int quarterTurn = 90;
 
 int numberOf(const DecodedVideoFrame& frame, double frameRate)
@@ -53,20 +51,6 @@ QImage applied(const PictureTurn& turn, const QImage& image)
 
 } // namespace
 
-FramePresenter::FramePresenter()
-{
-    m_restTimer.setSingleShot(true);
-    m_restTimer.setInterval(restMs);
-    // A picture is scaled by way of a copy as large as itself. While they follow each other it is
-    // good to have the memory at hand.
-    QObject::connect(&m_restTimer, &QTimer::timeout, &m_restTimer, [this] {
-        if (m_viewer) {
-            m_viewer->dropScaled();
-        }
-        returnFreeMemory();
-    });
-}
-
 void FramePresenter::setFlip(bool horizontal, bool vertical)
 {
     m_flipHorizontal = horizontal;
@@ -86,7 +70,7 @@ FramePresenter::Result FramePresenter::show(
     }
     m_repaintPending = m_repaintPending || refresh;
     VideoFrameCache& cache = source.videoFrames;
-    // Held over the painting on purpose: the picture could be evicted meanwhile.
+    // Held to the end on purpose: the frame could be evicted meanwhile.
     const ScopedLock lock(cache.mutex());
     const double time = source.clockTime(true);
     const DecodedVideoFrame* frame = cache.frameAt(time);
@@ -140,12 +124,10 @@ void FramePresenter::paint(const MediaSource& source, const DecodedVideoFrame& f
         image = image.scaled(shape).transformed(QTransform().rotate(slant), Qt::FastTransformation);
         shape = image.size();
     }
-    // In the format it has, which takes no copy. The viewer needs another one, but only in the size
-    // in which it paints.
+    // In the format it has, which takes no copy.
     m_viewer->setPixmap(QPixmap::fromImage(std::move(image), Qt::NoFormatConversion));
     m_viewer->setShape(shape);
     m_viewer->update();
-    m_restTimer.start();
 }
 
 void FramePresenter::clear()

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QSize>
-#include <QTimer>
 
 #include <optional>
 
@@ -21,8 +20,6 @@ public:
         Missing, // nothing is cached
         Awaited // a picture that starts by this time is still to be decoded, or can be: ask again
     };
-
-    FramePresenter();
 
     void setViewer(SoftwareViewer* viewer) { m_viewer = viewer; }
     void setFlip(bool horizontal, bool vertical);
@@ -56,7 +53,6 @@ private:
     [[nodiscard]] PictureTurn turnFor(const MediaSource& source) const;
 
     SoftwareViewer* m_viewer = nullptr; // not owned
-    QTimer m_restTimer; // since the last picture
     int m_lastDisplayedFrame = -1; // number of the frame last given to the viewer
     double m_lastDisplayedTime = 0.0; // and its time, seconds
     bool m_repaintPending = true; // paint the next picture whatever its number

@@ -3,6 +3,7 @@
 #include "acceptedmedia.h"
 #include "backgroundrelease.h"
 #include "mediasource.h"
+#include "softwareviewer.h"
 
 #include <QFileInfo>
 
@@ -55,6 +56,12 @@ PlaybackManager::~PlaybackManager()
     if (m_mediaSource) {
         EngineThreads::leaveBehind(std::move(m_mediaSource));
     }
+}
+
+void PlaybackManager::setViewer(SoftwareViewer* viewer)
+{
+    m_presenter.setViewer(viewer);
+    connect(viewer, &SoftwareViewer::rested, this, &PlaybackManager::giveBackSpareMemory);
 }
 
 bool PlaybackManager::setMedia(const QString& filename, int64_t cacheSize, float trailingCachePct)

@@ -101,7 +101,7 @@ public:
     void setFlip(bool horizontal, bool vertical);
     void setRotation(int degrees);
     [[nodiscard]] int rotation() const { return m_presenter.rotation(); }
-    void setViewer(SoftwareViewer* viewer) { m_presenter.setViewer(viewer); }
+    void setViewer(SoftwareViewer* viewer);
 
     // What the caches hold, for display; 0 without media.
     [[nodiscard]] int cachedFrameCount() const
@@ -190,6 +190,7 @@ private:
     void completeLoad();
     void finishUnload();
     void giveBackClosedSource();
+    void giveBackSpareMemory();
     [[nodiscard]] bool canBePositioned() const;
     void issueSeek(double time, Reach reach);
     void endSeek();

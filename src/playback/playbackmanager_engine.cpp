@@ -190,6 +190,19 @@ void PlaybackManager::giveBackClosedSource()
     }
 }
 
+// A picture is scaled by way of a copy as large as itself, and the cache keeps memory for those to
+// come. While pictures follow each other it is good to have all that at hand.
+void PlaybackManager::giveBackSpareMemory()
+{
+    if (m_state == Playing || m_status == Seeking) {
+        return;
+    }
+    if (m_mediaSource) {
+        m_mediaSource->videoFrames.dropSpareMemory();
+    }
+    returnFreeMemory();
+}
+
 void PlaybackManager::onMediaError(MediaManager::Error mediaError)
 {
     const bool openFailed = mediaError == MediaManager::OpenError;

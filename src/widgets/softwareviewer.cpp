@@ -4,12 +4,34 @@
 
 #include <utility>
 
+namespace {
+
+constexpr int restMs = 1000;
+
+// Once to the format that Qt scales without conversions of its own, which would be of the result.
+QPixmap smoothlyScaled(const QPixmap& pixmap, const QSize& size, Qt::AspectRatioMode mode)
+{
+    QImage image = pixmap.toImage();
+    if (!image.hasAlphaChannel()) {
+        image = std::move(image).convertToFormat(QImage::Format_RGB32);
+    }
+    return QPixmap::fromImage(image.scaled(size, mode, Qt::SmoothTransformation));
+}
+
+} // namespace
+
 SoftwareViewer::SoftwareViewer(QWidget* parent)
     : QWidget(parent)
 {
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
     setAttribute(
         Qt::WA_OpaquePaintEvent); // every pixel is painted, so nothing needs to be erased first
+    m_restTimer.setSingleShot(true);
+    m_restTimer.setInterval(restMs);
+    connect(&m_restTimer, &QTimer::timeout, this, [this] {
+        dropScaled();
+        Q_EMIT rested();
+    });
 }
 
 void SoftwareViewer::setPixmap(QPixmap pixmap)
@@ -55,7 +77,7 @@ QSize SoftwareViewer::sizeWithin(const QSize& room) const
 
 QPixmap SoftwareViewer::scaledTo(const QSize& size) const
 {
-    return m_pixmap.scaled(size, aspectMode(), Qt::SmoothTransformation);
+    return smoothlyScaled(m_pixmap, size, aspectMode());
 }
 
 void SoftwareViewer::paintEvent(QPaintEvent* /*event*/)
@@ -92,7 +114,7 @@ void SoftwareViewer::scaleInto(const QSize& deviceSize, qreal devicePixelRatio)
     m_scaledKey = m_pixmap.cacheKey();
     m_scaledFor = deviceSize;
     m_imageSize = sizeWithin(size());
-    m_scaled =
-        m_pixmap.scaled(sizeWithin(deviceSize), Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    m_scaled = smoothlyScaled(m_pixmap, sizeWithin(deviceSize), Qt::IgnoreAspectRatio);
+    m_restTimer.start();
     m_scaled.setDevicePixelRatio(devicePixelRatio);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QPixmap>
+#include <QTimer>
 #include <QWidget>
 
 /// The video view: shows one picture as large as the view allows, in its proportions, centred on
@@ -25,12 +26,13 @@ public:
     /// Proportions to show the pictures in, from now on; empty for those of their pixels.
     void setShape(const QSize& shape);
 
-    /// Gives up what is kept for painting the picture once more: worth it where none comes soon, as
-    /// the window's own memory has it.
-    void dropScaled();
-
 public Q_SLOTS:
     void setPixmap(QPixmap pixmap);
+
+Q_SIGNALS:
+    /// Nothing was scaled for a second. The scaled copy has been dropped: the window keeps what was
+    /// painted, and the next paint scales again.
+    void rested();
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -38,6 +40,7 @@ protected:
 private:
     [[nodiscard]] QSize roomOnScreen(qreal devicePixelRatio) const;
     void scaleInto(const QSize& deviceSize, qreal devicePixelRatio);
+    void dropScaled();
     [[nodiscard]] bool isStretched() const;
     [[nodiscard]] Qt::AspectRatioMode aspectMode() const;
     [[nodiscard]] QSize sizeWithin(const QSize& room) const; // of the picture
@@ -48,4 +51,5 @@ private:
     QPixmap m_scaled; // m_pixmap in the size of the last paint; scaling costs far more than drawing
     qint64 m_scaledKey = 0; // which picture m_scaled was made from
     QSize m_scaledFor; // and for which room, in device pixels
+    QTimer m_restTimer; // since something was scaled
 };

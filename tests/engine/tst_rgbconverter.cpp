@@ -37,8 +37,7 @@ AvPtr<AVFrame> flatPicture(QSize size, AVPixelFormat format, const Planes& value
 /// Empty where every pixel of the converted picture is of that colour.
 QString wrongPixel(RgbConverter& converter, QSize size, const AVFrame& source, const Rgb& colour)
 {
-    DecodedVideoFrame target(PictureMemory().obtain(converter.pictureBytes()),
-        converter.pictureBytes(), size.width(), size.height());
+    DecodedVideoFrame target(converter.pictureBytes(), size.width(), size.height());
     std::fill_n(target.data.get(), target.size, uint8_t{ 0xdb }); // far from any colour here
     if (converter.convert(source, target) < 0) {
         return "not converted";

@@ -60,12 +60,18 @@ private Q_SLOTS:
         for (int x = 0; x < 64; x += 2) {
             QPainter(&stripes).fillRect(x, 0, 1, 36, Qt::black);
         }
-        viewer.setPixmap(QPixmap::fromImage(stripes));
-        for (int time = 0; time < 2; ++time) {
-            QImage shown = viewer.grab().toImage();
-            shown.setDevicePixelRatio(1.0);
-            QCOMPARE(shown.convertToFormat(QImage::Format_RGB32), stripes);
-            viewer.dropScaled(); // is made anew
+        QSignalSpy rests(&viewer, &SoftwareViewer::rested);
+        for (const auto format : { QImage::Format_RGB32, QImage::Format_RGB888 }) {
+            viewer.setPixmap(
+                QPixmap::fromImage(stripes.convertToFormat(format), Qt::NoFormatConversion));
+            for (int time = 0; time < 2; ++time) {
+                QImage shown = viewer.grab().toImage();
+                shown.setDevicePixelRatio(1.0);
+                QCOMPARE(shown.convertToFormat(QImage::Format_RGB32), stripes);
+                QVERIFY(rests.wait()); // what was scaled is made anew
+            }
+            QCOMPARE(viewer.scaledTo({ 21, 12 }).toImage(),
+                stripes.scaled(21, 12, Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
         }
         QCOMPARE(viewer.imageWidth(), 32);
     }
